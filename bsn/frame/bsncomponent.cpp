@@ -1,0 +1,64 @@
+#include "bsn/frame/bsncomponent.h"
+
+#include <ostream>
+
+namespace MCBSN_850 {
+
+namespace {
+
+std::unique_ptr<BSNAlgorithm> createProcedure(const BSNSettings& settings, const MCXML_850::MCVarList& varList) {
+    switch (settings.GetModelType()) {
+    case BSNConst::OneSample:
+        switch (settings.GetTestDistType()) {
+        default:
+            return nullptr;
+        }
+    default:
+        return nullptr;
+    }
+}
+
+const MCCommon_850::MCWarnings kNoWarnings;
+
+} // namespace
+
+BSNComponent::BSNComponent(const BSNSettings& settings, const MCXML_850::MCVarList& varList)
+    : m_algorithm(createProcedure(settings, varList)) {
+    if (m_algorithm && settings.GetProgressListener() != nullptr)
+        m_algorithm->SetProgressListener(settings.GetProgressListener());
+}
+
+BSNComponent::~BSNComponent() = default;
+
+MCCommon_850::MCStatus BSNComponent::BuildModel(MCCommon_850::MultiPassRecordIter& iter) {
+    if (!m_algorithm) return MCCommon_850::MCStatus(410001, false);
+    return m_algorithm->BuildModel(iter);
+}
+
+void BSNComponent::Display(std::ostream& os) const {
+    if (m_algorithm) m_algorithm->Display(os);
+}
+
+MCCommon_850::MCStatus BSNComponent::GetStatus() const {
+    return m_algorithm ? m_algorithm->GetStatus() : MCCommon_850::MCStatus(410001, false);
+}
+
+const MCCommon_850::MCWarnings& BSNComponent::GetWarningMessages() const {
+    return m_algorithm ? m_algorithm->GetWarningMessages() : kNoWarnings;
+}
+
+const BSNOutputStats* BSNComponent::GetOutputStats() const {
+    return m_algorithm ? m_algorithm->GetOutputStats() : nullptr;
+}
+
+bool BSNComponent::IsModelBuilt() const { return m_algorithm && m_algorithm->IsModelBuilt(); }
+
+void BSNComponent::SetCancelPtr(MCCommon_850::MCQueryCancel* query) {
+    if (m_algorithm) m_algorithm->SetCancelPtr(query);
+}
+
+void BSNComponent::SetProgressListener(MCCommon_850::ProgressListener* listener) {
+    if (m_algorithm) m_algorithm->SetProgressListener(listener);
+}
+
+} // namespace MCBSN_850

@@ -1,0 +1,37 @@
+#pragma once
+// MCDistFun: densities, distribution functions and their inverses. Every
+// function returns the system-missing value instead of failing: for a missing
+// argument, a domain error (a negative shape, a probability outside [0, 1]),
+// or a result that is not a finite number.
+//
+// Parameterisations: gamma by shape and rate (density proportional to
+// x^(shape-1) e^(-rate x)); normal by mean and standard deviation; t and
+// chi-square by degrees of freedom.
+namespace MCMath_850 {
+
+class MCDistFun {
+public:
+    // ln Γ(x) for x > 0.
+    static double quondnlgam(double x);
+
+    static double PdfBeta(double x, double a, double b);
+    static double CdfBeta(double x, double a, double b);
+    static double IdfBeta(double p, double a, double b);
+
+    static double PdfGamma(double x, double shape, double rate);
+    static double CdfGamma(double x, double shape, double rate);
+    static double IdfGam(double p, double shape, double rate);
+
+    static double CdfChi(double x, double df);
+    static double IdfChi(double p, double df);
+
+    static double PdfNormal(double x, double mean, double sd);
+    static double CdfNorm(double x, double mean = 0.0, double sd = 1.0);
+    static double IdfNorm(double p, double mean = 0.0, double sd = 1.0);
+
+    static double PdfT(double x, double df);
+    static double CdfT(double x, double df);
+    static double IdfT(double p, double df);
+};
+
+} // namespace MCMath_850
