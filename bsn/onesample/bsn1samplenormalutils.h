@@ -33,6 +33,15 @@ public:
     // Known-variance factor.
     static MCCommon_850::MCStatus computeBetaForKnownVar(double N, double g, double nullValue, double variance,
                                                          double mean, double* bf);
+
+    // The Bayes factor of test variable (or pair) `position` of `nVariables`,
+    // chosen as the settings say: the known-variance factor when a variance
+    // is given for it, otherwise JZS or Simple by the estimation type.
+    // Returns error 410019 when the g list or null-value list does not fit;
+    // quadrature warnings go to `warnings`.
+    static MCCommon_850::MCStatus ComputeFactorForVariable(const BSNSettings& settings, int position, int nVariables,
+                                                           double N, double t, double mean, double* bf,
+                                                           MCCommon_850::MCWarnings& warnings);
 };
 
 } // namespace MCBSN_850
