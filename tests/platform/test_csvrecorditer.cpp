@@ -1,0 +1,222 @@
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <string>
+#include <vector>
+
+#include "platform/common/mcmv.h"
+#include "platform/records/csvrecorditer.h"
+#include "tests/cli/tempfiles.h"
+
+using MCCommon_850::CsvRecordIter;
+using MCCommon_850::CsvScanResult;
+using MCCommon_850::MCMV;
+
+namespace {
+
+using Rows = std::vector<std::vector<double>>;
+constexpr double M = MCMV::Missing();
+
+// One pass from the start, every column of every row.
+Rows readPass(CsvRecordIter& iter) {
+    Rows rows;
+    iter.Reset();
+    while (iter.Advance()) {
+        const auto* r = iter.GetRecord();
+        EXPECT_NE(r, nullptr);
+        if (r == nullptr) break;
+        std::vector<double> row;
+        for (std::size_t c = 0; c < r->Size(); ++c) row.push_back(r->GetValue(static_cast<int>(c)));
+        rows.push_back(row);
+    }
+    EXPECT_EQ(iter.GetRecord(), nullptr);
+    return rows;
+}
+
+// Quoted commas, doubled quotes, a quoted line break, CRLF, a lone CR, a
+// blank line, surrounding spaces, a missing marker and a last row without a
+// line end, behind a byte-order mark.
+const std::string kTricky = "\xEF\xBB\xBF"
+                            "id,name,x\r\n"
+                            "1,\"a, b\",2.5\r\n"
+                            "2,\"say \"\"hi\"\"\",-3e2\r\n"
+                            "3,\"two\r\nlines\",  7 \r"
+                            "\r\n"
+                            "4 , plain ,.\n"
+                            "5,\"\"\"\",1e-3";
+
+const Rows kTrickyRows = {{1, 1, 2.5}, {2, 3, -300}, {3, 4, 7}, {4, 2, M}, {5, 0, 0.001}};
+const std::vector<std::string> kTrickyLabels = {"\"", "a, b", "plain", "say \"hi\"", "two\r\nlines"};
+
+} // namespace
+
+TEST(CsvRecordIter, QuotingLineEndsAndByteOrderMark) {
+    bsntest::TempDir dir;
+    const std::string path = dir.Write("tricky.csv", kTricky);
+
+    std::vector<std::string> names;
+    EXPECT_EQ(MCCommon_850::ReadCsvHeader(path, names), "");
+    EXPECT_EQ(names, (std::vector<std::string>{"id", "name", "x"}));
+
+    CsvRecordIter iter(path, {0, 1, 2}, {1});
+    ASSERT_EQ(iter.GetOpenError(), "");
+    const CsvScanResult scan = iter.Scan();
+    ASSERT_EQ(scan.error, "");
+    EXPECT_EQ(scan.nRecords, 5);
+    EXPECT_EQ(scan.labels[1], kTrickyLabels);
+    EXPECT_TRUE(scan.labels[0].empty());
+    EXPECT_EQ(scan.minimum[0], 1.0);
+    EXPECT_EQ(scan.maximum[0], 5.0);
+    EXPECT_EQ(scan.minimum[2], -300.0);
+    EXPECT_EQ(scan.maximum[2], 7.0);
+    EXPECT_TRUE(MCMV::IsMissing(scan.minimum[1]));  // nominal: no numeric range
+
+    EXPECT_EQ(readPass(iter), kTrickyRows);
+    EXPECT_EQ(iter.GetSourceError(), "");
+
+    // Rows split at every byte position by tiny read buffers read the same.
+    for (std::size_t size = 1; size <= 48; ++size) {
+        CsvRecordIter small(path, {0, 1, 2}, {1});
+        small.SetReadBufferSize(size);
+        ASSERT_EQ(small.Scan().error, "") << "buffer " << size;
+        EXPECT_EQ(small.GetLabels(1), kTrickyLabels) << "buffer " << size;
+        EXPECT_EQ(readPass(small), kTrickyRows) << "buffer " << size;
+    }
+}
+
+TEST(CsvRecordIter, MissingMarkersAndNumberSyntax) {
+    bsntest::TempDir dir;
+    const std::string path = dir.Write("m.csv", "v,w,unused\n"
+                                                ",1,x\n"
+                                                "NA,2,y\n"
+                                                ".,3,\"z\"\n"
+                                                "\"\",4,\n"
+                                                " 5 ,\"6\",q\n"
+                                                "+7,NA,r\n");
+    CsvRecordIter iter(path, {0, 1, 9});  // an index past the header is ignored
+    ASSERT_EQ(iter.Scan().error, "");
+    // The unused column holds text but reads as missing without complaint.
+    const Rows expected = {{M, 1, M}, {M, 2, M}, {M, 3, M}, {M, 4, M}, {5, 6, M}, {7, M, M}};
+    EXPECT_EQ(readPass(iter), expected);
+
+    double v = 0;
+    for (const char* bad : {"nan", "inf", "-inf", "1e999", "0x10", "1.5.2", "--1", "+-1", "1,5", "abc", "+"})
+        EXPECT_FALSE(MCCommon_850::CsvParseNumber(bad, v)) << bad;
+    ASSERT_TRUE(MCCommon_850::CsvParseNumber("\t-0.125e1 ", v));
+    EXPECT_EQ(v, -1.25);
+    ASSERT_TRUE(MCCommon_850::CsvParseNumber("NA", v));
+    EXPECT_TRUE(MCMV::IsMissing(v));
+}
+
+TEST(CsvRecordIter, ErrorsNameFileLineAndColumn) {
+    bsntest::TempDir dir;
+    auto scanError = [&](const std::string& content, std::vector<int> used = {0, 1}) {
+        const std::string path = dir.Write("e.csv", content);
+        CsvRecordIter iter(path, used);
+        const std::string error = iter.Scan().error;
+        EXPECT_EQ(iter.GetSourceError(), error);
+        // A file that failed its scan yields no records at all.
+        iter.Reset();
+        EXPECT_EQ(iter.Advance(), error.empty());
+        return error.substr(error.find(':') == std::string::npos ? 0 : path.size());
+    };
+
+    // The line count includes the line breaks inside quoted fields (LF and CRLF).
+    EXPECT_EQ(scanError("a,b\n1,\"x\ny\"\n2,\"p\r\nq\nr\"\noops,3\n", {0}), ":7: column 'a': 'oops' is not a number");
+    EXPECT_EQ(scanError("a,b\n1,2\n3,\"4 x\"\n"), ":3: column 'b': '4 x' is not a number");
+    EXPECT_EQ(scanError("a,b\n1,2\n3\n"), ":3: expected 2 fields, found 1");
+    EXPECT_EQ(scanError("a,b\n1,2,\n"), ":2: expected 2 fields, found 3");
+    EXPECT_EQ(scanError("a,b\n1,2\n\n\n1,2,3,4\n"), ":5: expected 2 fields, found 4");
+    EXPECT_EQ(scanError("a,b\n1,\"open\n"), ":2: a quoted field is not closed before the end of the file");
+    EXPECT_EQ(scanError("a,b\n\"1\"x,2\n"), ":2: unexpected text after a closing quote: 'x'");
+    // A bad value in a column the analysis does not use is not an error.
+    EXPECT_EQ(scanError("a,b\n1,text\n", {0}), "");
+}
+
+TEST(CsvRecordIter, NominalCodesSortNumbersByValueThenText) {
+    bsntest::TempDir dir;
+    const std::string path =
+        dir.Write("f.csv", "f,y\nb,1\na,2\n10,3\n9,4\n2.5,5\n1.0,6\n1,7\na,8\nNA,9\nB,10\n");
+    CsvRecordIter iter(path, {0, 1}, {0});
+    const CsvScanResult scan = iter.Scan();
+    ASSERT_EQ(scan.error, "");
+    // "1.0" and "1" are one category, shown as first spelled; 9 < 10 by value.
+    const std::vector<std::string> labels = {"1.0", "2.5", "9", "10", "B", "a", "b"};
+    EXPECT_EQ(scan.labels[0], labels);
+    const Rows expected = {{6, 1}, {5, 2}, {3, 3}, {2, 4}, {1, 5}, {0, 6}, {0, 7}, {5, 8}, {M, 9}, {4, 10}};
+    EXPECT_EQ(readPass(iter), expected);
+}
+
+TEST(CsvRecordIter, PassesRereadTheFileIdentically) {
+    bsntest::TempDir dir;
+    // Enough rows to cross many buffer refills and the buffer's growth for
+    // one very long quoted field.
+    std::string content = "i,half,lab\n";
+    double sumI = 0, sumHalf = 0;
+    const int n = 60000;
+    for (int i = 0; i < n; ++i) {
+        content += std::to_string(i) + "," + std::to_string(i * 0.5) + ",\"L" + std::to_string(i % 7) + "\"\n";
+        sumI += i;
+        sumHalf += i * 0.5;
+    }
+    content += "-1,0,\"" + std::string(3 << 20, 'z') + "\"\n";
+    const std::string path = dir.Write("big.csv", content);
+
+    CsvRecordIter iter(path, {0, 1, 2}, {2});
+    const CsvScanResult scan = iter.Scan();
+    ASSERT_EQ(scan.error, "");
+    EXPECT_EQ(scan.nRecords, n + 1);
+    EXPECT_EQ(scan.labels[2].size(), 8u);
+    EXPECT_TRUE(MCCommon_850::HasAnyRecord(iter));
+    const Rows first = readPass(iter);
+    const Rows second = readPass(iter);
+    ASSERT_EQ(first.size(), static_cast<std::size_t>(n + 1));
+    EXPECT_EQ(first, second);
+    double s0 = 0, s1 = 0;
+    for (const auto& row : first) {
+        s0 += row[0];
+        s1 += row[1];
+    }
+    EXPECT_EQ(s0, sumI - 1);
+    EXPECT_EQ(s1, sumHalf);
+    EXPECT_EQ(first[8][2], 1.0);    // "L1": codes follow the labels L0..L6, then the long text
+    EXPECT_EQ(first.back()[2], 7.0);
+}
+
+TEST(CsvRecordIter, EmptyFilesAndFilesChangedBetweenPasses) {
+    bsntest::TempDir dir;
+    std::vector<std::string> names;
+    EXPECT_NE(MCCommon_850::ReadCsvHeader(dir.Write("empty.csv", ""), names).find("empty"), std::string::npos);
+    EXPECT_NE(MCCommon_850::ReadCsvHeader(dir.Path("absent.csv"), names).find("cannot open"), std::string::npos);
+    EXPECT_NE(MCCommon_850::ReadCsvHeader(dir.Write("dup.csv", "a,b,a\n"), names).find("'a' appears twice"),
+              std::string::npos);
+
+    CsvRecordIter empty(dir.Path("empty.csv"), {0});
+    EXPECT_NE(empty.GetOpenError(), "");
+    empty.Reset();
+    EXPECT_FALSE(empty.Advance());
+    EXPECT_NE(empty.GetSourceError(), "");
+
+    // A header alone is a valid file without records.
+    CsvRecordIter headerOnly(dir.Write("h.csv", "\xEF\xBB\xBF" "a,b"), {0, 1});
+    EXPECT_EQ(headerOnly.GetColumnNames(), (std::vector<std::string>{"a", "b"}));
+    const CsvScanResult scan = headerOnly.Scan();
+    EXPECT_EQ(scan.error, "");
+    EXPECT_EQ(scan.nRecords, 0);
+    EXPECT_FALSE(MCCommon_850::HasAnyRecord(headerOnly));
+    EXPECT_EQ(headerOnly.GetSourceError(), "");
+
+    // A file rewritten after the scan is noticed, and the failure stays.
+    const std::string path = dir.Write("c.csv", "a\n1\n2\n");
+    CsvRecordIter iter(path, {0});
+    ASSERT_EQ(iter.Scan().error, "");
+    EXPECT_EQ(readPass(iter), (Rows{{1}, {2}}));
+    dir.Write("c.csv", "a\n1\n2\n3\n");
+    EXPECT_TRUE(readPass(iter).empty());
+    EXPECT_NE(iter.GetSourceError().find("changed"), std::string::npos);
+    EXPECT_TRUE(readPass(iter).empty());
+
+    // Passes without an explicit scan run it first (nominal codes need it).
+    CsvRecordIter unscanned(dir.Write("u.csv", "g\nz\ny\n"), {0}, {0});
+    EXPECT_EQ(readPass(unscanned), (Rows{{1}, {0}}));
+}
