@@ -1,0 +1,136 @@
+#include "cli/helptext.h"
+
+#include <fmt/format.h>
+
+#include "cli/host.h"
+#include "cli/settingsjson.h"
+
+namespace bsncli {
+
+namespace {
+
+const char* const kExample = R"(EXAMPLE
+  examples/binomial.json (one-sample binomial test of two 0/1 columns, rows
+  weighted by the column "count"):
+    {
+      "ModelType": "One-Sample",
+      "TestDistType": "Binomial",
+      "Factors": ["smoker", "vaccinated"],
+      "FactorSizes": [2, 2],
+      "FrequencyWeightVar": "count",
+      "AnalysType": "Both",
+      "AlterPrior1s": [1, 1],
+      "AlterPrior2s": [1, 1],
+      "PriorParam1": 1,
+      "PriorParam2": 1
+    }
+
+  bsn run examples/binomial.json examples/binomial.csv
+  bsn run examples/binomial.json examples/binomial.csv --json - > result.json
+  bsn run examples/normal.json examples/normal.csv --json result.json --plots plots --quiet
+
+  More examples: examples/poisson.*, examples/normal.*, examples/related.*
+)";
+
+const char* const kSettingsRules = R"(SETTINGS FILE
+  A JSON object. Its keys are the getter names of the settings record without
+  their Get/Is prefix; every key may be left out (the record's default holds).
+  - ModelType is applied first and also resets the defaults that depend on
+    it; the other keys follow in the order listed below, whatever their
+    order in the file.
+  - Variables are named by CSV column name.
+  - Enumerations take their number or their word, e.g. "AnalysType": 2 or
+    "Both", "PriorDistType": "Jeffreys 2" (case, spaces and hyphens are
+    ignored when matching words).
+  - null is the missing value: a parameter not given, or one missing entry
+    in a list of numbers. A single variable may be null (none).
+  - Test variables: a one-sample binomial test reads Factors (values 0/1, or
+    k for k successes in one trial), Poisson and normal tests read
+    Covariates, related samples pair Covariates[i] with 2ndRelatedList[i].
+  - FactorSizes and FullModFactorSizes may be left out: they are then the
+    number of categories found in each coded factor (2 for binomial test
+    variables).
+  - An unknown key, a value of the wrong type, an unknown column or word, or
+    a value the settings record refuses (e.g. FactorSizes not one entry
+    above 0 per factor, 2ndRelatedList not as long as Covariates,
+    ProgressFrequency 0) is an error naming the key.
+  - The settings check of the library runs before the analysis; an error
+    there stops the run (exit 2), its warnings are listed.
+
+  Keys and the values they take:
+)";
+
+const char* const kDataRules = R"(DATA FILE (CSV)
+  - The first row names the columns; every other row is one record and must
+    have exactly as many fields (an error names the line otherwise).
+  - Fields are separated by commas. A field may be quoted: "a, b" holds a
+    comma, "" inside quotes is one quote, quoted fields may span lines.
+  - Lines end in LF, CRLF or CR; a UTF-8 byte-order mark is skipped; blank
+    lines are ignored; spaces and tabs around a field are dropped.
+  - An empty field, NA or . is a missing value.
+  - Only the columns the settings name are read. Each value in them must be
+    a number, except in coded columns; the first bad value is reported as
+    FILE:LINE: column 'NAME': 'VALUE' is not a number.
+  - Coded columns: Factors, FullModFactors and GroupVar may hold text (not
+    the test variables of a binomial test, whose values are counts). Their
+    distinct values become codes 0..k-1 in sorted order: numbers by value
+    first ("1" and "1.0" are one category), then text in byte order. The
+    tables show the labels.
+  - The file is read again from disk on every pass of the analysis and must
+    not change while it runs.
+)";
+
+const char* const kOutput = R"(OUTPUT
+  Tables (stdout): one row per test variable (or pair) with labelled
+  columns, then the warnings (code, message, and the variable the warning
+  points at) and the status. --quiet leaves the tables out.
+  A Bayes factor is the factor of the null against the alternative (above 1
+  favours the null). Where it is too large or too small to print it is kept
+  as its natural logarithm x and shown as exp(x).
+
+  --json PATH writes (PATH "-" = stdout, and then no tables; warnings and
+  status go to stderr):
+    {"status": {"code": int, "error": bool, "message": str},
+     "warnings": [{"code": int, "message": str, "datum": int|null}],
+     "model_built": bool,
+     "results": {GETTER: value, ...} | null}
+  status code 0 with message "" means no error. datum is the warning's
+  first data slot (for the analyses' warnings: the position of the test
+  variable in its list). Each key of results is a getter of the result
+  object, spelled as in the library (GetBayesFactors, GetIsLogBayesFactor,
+  GetPlotArguments4Prior, GetSettings, GetModelType, GetOutputType, ...).
+  Missing values are null, also inside arrays; pairs are 2-element arrays;
+  GetSettings uses the keys of the settings file. results is null when no
+  model was built. JSON is written once the settings check has run; input
+  errors before that write none.
+
+  --plots DIR writes DIR/<variable>.svg per test variable: three panels,
+  each with its own axes and grid: the likelihood, drawn as
+  exp(loglik - max loglik) so that its peak is 1 (the library gives the
+  log-likelihood up to a constant), the prior density (a flat prior is a
+  horizontal line at 1), and the posterior density. Missing points are
+  left out of a curve.
+
+  On a terminal a progress line is shown on stderr; Ctrl-C cancels the
+  analysis (a second Ctrl-C ends bsn at once).
+)";
+
+const char* const kExitCodes = R"(EXIT CODES
+  0  the model was built (warnings allowed)
+  1  the analysis ended with an error, or was cancelled
+  2  bad usage or input: command line, settings file, data file, settings
+     refused by the settings check, or an analysis this build does not have
+)";
+
+} // namespace
+
+std::string RunHelpFooter() {
+    return fmt::format("\n{}\n{}{}\nANALYSES IN THIS BUILD (model type)\n  {}\n\n{}\n{}\n{}", kExample, kSettingsRules,
+                       SettingsKeysHelp(), AvailableAnalyses(), kDataRules, kOutput, kExitCodes);
+}
+
+std::string MainHelpFooter() {
+    return "\nUse `bsn run --help` for the options of `run`.\n" + RunHelpFooter();
+}
+
+} // namespace bsncli

@@ -1,0 +1,420 @@
+#include "cli/host.h"
+
+#include <signal.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <chrono>
+#include <fstream>
+#include <iostream>
+#include <memory>
+#include <sstream>
+
+#include <CLI/CLI.hpp>
+#include <fmt/format.h>
+#include <nlohmann/json.hpp>
+
+#include "bsn/frame/bsncomponent.h"
+#include "bsn/frame/bsncomponentdisplay.h"
+#include "cli/helptext.h"
+#include "cli/resultview.h"
+#include "cli/settingsjson.h"
+#include "cli/svgplot.h"
+#include "platform/records/csvrecorditer.h"
+
+namespace bsncli {
+
+using MCBSN_850::BSNComponent;
+using MCBSN_850::BSNSettings;
+using MCCommon_850::MCStatus;
+using nlohmann::ordered_json;
+namespace C = MCBSN_850::BSNConst;
+
+// --- statuses --------------------------------------------------------------------
+
+std::string StatusMessage(int code) {
+    if (code == 0) return "";
+    std::string text;
+    MCBSN_850::BSNComponentDisplay::ParseErrCodeToStr(code, text);
+    if (!text.empty()) return text;
+    if (code == 1) return "The analysis was cancelled";
+    return fmt::format("status code {}", code);
+}
+
+namespace {
+
+ordered_json statusJson(const MCStatus& status) {
+    ordered_json j;
+    j["code"] = status.GetCode();
+    j["error"] = status.IsError();
+    j["message"] = StatusMessage(status.GetCode());
+    return j;
+}
+
+// --- columns ---------------------------------------------------------------------
+
+bool isBinomialTest(const BSNSettings& s) { return s.GetModelType() == C::OneSample && s.GetTestDistType() == C::Binomial; }
+
+void addColumn(std::vector<int>& columns, int index) {
+    if (index >= 0 && std::find(columns.begin(), columns.end(), index) == columns.end()) columns.push_back(index);
+}
+
+void addColumns(std::vector<int>& columns, const std::vector<int>& indices) {
+    for (int i : indices) addColumn(columns, i);
+}
+
+} // namespace
+
+std::vector<int> UsedColumns(const BSNSettings& s) {
+    std::vector<int> used;
+    for (int v : {s.GetDependentVar(), s.GetFrequencyWeightVar(), s.GetRegrWeightVar(), s.GetGroupVar()})
+        addColumn(used, v);
+    for (const auto* list : {&s.GetFactors(), &s.GetCovariates(), &s.GetFullModFactors(), &s.GetFullModCovariates(),
+                             &s.Get2ndRelatedList(), &s.GetPlotFactors(), &s.GetPlotCovars()})
+        addColumns(used, *list);
+    for (const auto& test : s.GetFTests()) addColumns(used, test.GetPredictors());
+    return used;
+}
+
+std::vector<int> NominalColumns(const BSNSettings& s) {
+    std::vector<int> nominal;
+    if (!isBinomialTest(s)) addColumns(nominal, s.GetFactors());
+    addColumns(nominal, s.GetFullModFactors());
+    addColumn(nominal, s.GetGroupVar());
+    return nominal;
+}
+
+namespace {
+
+// --- procedures this build offers -----------------------------------------------------
+
+bool hasProcedure(C::ModelTypes model, C::DistTypes dist) {
+    BSNSettings probe;
+    probe.SetModelType(model, true);
+    probe.SetTestDistType(dist);
+    return BSNComponent(probe, MCXML_850::MCVarList()).HasProcedure();
+}
+
+} // namespace
+
+std::string AvailableAnalyses() {
+    std::vector<std::string> items;
+    std::vector<std::string> oneSample;
+    for (int d = 0; d <= 2; ++d)
+        if (hasProcedure(C::OneSample, static_cast<C::DistTypes>(d)))
+            oneSample.push_back(EnumWord(static_cast<C::DistTypes>(d)));
+    if (!oneSample.empty()) {
+        std::string joined;
+        for (const auto& w : oneSample) joined += (joined.empty() ? "" : ", ") + w;
+        items.push_back(fmt::format("0 One-Sample ({})", joined));
+    }
+    for (int m = 1; m <= 6; ++m)
+        if (hasProcedure(static_cast<C::ModelTypes>(m), C::Normal))
+            items.push_back(fmt::format("{} {}", m, EnumWord(static_cast<C::ModelTypes>(m))));
+    std::string out;
+    for (const auto& i : items) out += (out.empty() ? "" : "; ") + i;
+    return out.empty() ? std::string("none") : out;
+}
+
+namespace {
+
+void requireProcedure(const BSNSettings& s) {
+    if (hasProcedure(s.GetModelType(), s.GetTestDistType())) return;
+    std::string what = fmt::format("model type {} ({})", static_cast<int>(s.GetModelType()), EnumWord(s.GetModelType()));
+    if (s.GetModelType() == C::OneSample)
+        what += fmt::format(" with test distribution {} ({})", static_cast<int>(s.GetTestDistType()),
+                            EnumWord(s.GetTestDistType()));
+    throw InputError(fmt::format("{} has no analysis in this build of bsn; available: {}", what, AvailableAnalyses()));
+}
+
+// --- input -------------------------------------------------------------------------
+
+nlohmann::json readSettingsFile(const std::string& path) {
+    std::ifstream in(path, std::ios::binary);
+    if (!in) throw InputError(fmt::format("{}: cannot open the settings file", path));
+    try {
+        return nlohmann::json::parse(in);
+    } catch (const nlohmann::json::parse_error& e) {
+        throw InputError(fmt::format("{}: not valid JSON: {}", path, e.what()));
+    }
+}
+
+// Fills in category counts the user left out: the number of labels of each
+// coded factor, and 2 (success, failure) for binomial test variables.
+void fillFactorSizes(BSNSettings& s, const std::vector<std::string>& given, const MCCommon_850::CsvScanResult& scan) {
+    auto sizes = [&](const std::vector<int>& factors, bool binomial) {
+        std::vector<int> n;
+        for (int f : factors) n.push_back(binomial ? 2 : static_cast<int>(scan.labels[static_cast<std::size_t>(f)].size()));
+        return n;
+    };
+    const bool wasGiven = std::find(given.begin(), given.end(), "FactorSizes") != given.end();
+    if (!wasGiven && !s.GetFactors().empty()) s.SetFactorNCategs(sizes(s.GetFactors(), isBinomialTest(s)));
+    const bool fullGiven = std::find(given.begin(), given.end(), "FullModFactorSizes") != given.end();
+    if (!fullGiven && !s.GetFullModFactors().empty()) s.SetFullModFactorNCategs(sizes(s.GetFullModFactors(), false));
+}
+
+DataInfo describeData(const std::vector<std::string>& columns, const std::vector<int>& nominal,
+                      const MCCommon_850::CsvScanResult& scan) {
+    DataInfo data;
+    data.columns = columns;
+    for (std::size_t c = 0; c < columns.size(); ++c) {
+        const bool isNominal = std::find(nominal.begin(), nominal.end(), static_cast<int>(c)) != nominal.end();
+        MCXML_850::MCContVar var(columns[c], isNominal ? MCXML_850::MCVarKind::Nominal : MCXML_850::MCVarKind::Scale,
+                                 scan.minimum[c], scan.maximum[c]);
+        if (isNominal) {
+            var.SetValueLabels(scan.labels[c]);
+            if (!scan.labels[c].empty()) var.SetRange(0.0, static_cast<double>(scan.labels[c].size() - 1));
+        }
+        data.varList.Add(var);
+    }
+    return data;
+}
+
+// --- progress and cancellation -------------------------------------------------------
+
+// A one-line progress display on a terminal, redrawn at most ten times a
+// second.
+class TerminalProgress : public MCCommon_850::ProgressListener {
+public:
+    TerminalProgress(std::ostream& err, long long total) : m_err(err), m_total(total) {}
+    ~TerminalProgress() override {
+        if (m_shown) m_err << "\r\033[K" << std::flush;
+    }
+    void Notify(const MCCommon_850::ProgressReport& report) override {
+        const int n = report.DiscreteMeasure("records");
+        if (n < 0) return;
+        if (n < m_last) ++m_pass;  // the count starts again with every pass
+        m_last = n;
+        const auto now = std::chrono::steady_clock::now();
+        if (m_shown && now - m_lastShown < std::chrono::milliseconds(100)) return;
+        m_lastShown = now;
+        m_shown = true;
+        m_err << fmt::format("\rbsn: pass {}: {} of {} records (Ctrl-C cancels)", m_pass, n, m_total) << std::flush;
+    }
+
+private:
+    std::ostream& m_err;
+    long long m_total;
+    int m_last = 0;
+    int m_pass = 1;
+    bool m_shown = false;
+    std::chrono::steady_clock::time_point m_lastShown;
+};
+
+MCCommon_850::MCAtomicCancel* g_interruptCancel = nullptr;
+
+extern "C" void onInterrupt(int) {
+    if (g_interruptCancel != nullptr) g_interruptCancel->Cancel();
+}
+
+// Ctrl-C during the build asks the analysis to stop; a second Ctrl-C ends
+// the program at once (the handler is installed for one shot).
+class InterruptGuard {
+public:
+    explicit InterruptGuard(MCCommon_850::MCAtomicCancel* cancel) {
+        g_interruptCancel = cancel;
+        struct sigaction action {};
+        action.sa_handler = onInterrupt;
+        action.sa_flags = SA_RESETHAND;
+        sigemptyset(&action.sa_mask);
+        m_installed = sigaction(SIGINT, &action, &m_previous) == 0;
+    }
+    ~InterruptGuard() {
+        if (m_installed) sigaction(SIGINT, &m_previous, nullptr);
+        g_interruptCancel = nullptr;
+    }
+    InterruptGuard(const InterruptGuard&) = delete;
+    InterruptGuard& operator=(const InterruptGuard&) = delete;
+
+private:
+    struct sigaction m_previous {};
+    bool m_installed = false;
+};
+
+// --- reports ------------------------------------------------------------------------
+
+struct Outcome {
+    MCStatus status;
+    std::vector<MCStatus> warnings;
+    bool built = false;
+    bool haveResults = false;
+    ResultView view;
+};
+
+// The test variable a build warning's datum 0 points at: its position in
+// the list of test variables (or pairs) of the analysis.
+std::string datumVariable(const BSNSettings& s, const DataInfo& data, int datum) {
+    if (datum < 0) return {};
+    const auto at = [&](const std::vector<int>& list) {
+        return static_cast<std::size_t>(datum) < list.size() ? data.Name(list[static_cast<std::size_t>(datum)])
+                                                             : std::string();
+    };
+    if (isBinomialTest(s)) return at(s.GetFactors());
+    if (s.GetModelType() == C::OneSample) return at(s.GetCovariates());
+    if (s.GetModelType() == C::Related) {
+        const std::string first = at(s.GetCovariates()), second = at(s.Get2ndRelatedList());
+        return first.empty() ? first : first + " - " + second;
+    }
+    return {};
+}
+
+void printStatusAndWarnings(std::ostream& os, const Outcome& outcome, std::size_t nValidationWarnings,
+                            const BSNSettings& settings, const DataInfo& data) {
+    if (!outcome.warnings.empty()) {
+        os << "Warnings:\n";
+        for (std::size_t i = 0; i < outcome.warnings.size(); ++i) {
+            const MCStatus& w = outcome.warnings[i];
+            std::string where;
+            if (w.HasDiscreteDatum(0)) {
+                const int datum = w.GetDiscreteDatum(0);
+                const std::string name = i >= nValidationWarnings ? datumVariable(settings, data, datum) : "";
+                where = name.empty() ? fmt::format(" [datum {}]", datum) : fmt::format(" [variable {}]", name);
+            }
+            os << fmt::format("  {}  {}{}\n", w.GetCode(), StatusMessage(w.GetCode()), where);
+        }
+    }
+    const MCStatus& s = outcome.status;
+    if (s.IsError())
+        os << fmt::format("Status: error {}: {}\n", s.GetCode(), StatusMessage(s.GetCode()));
+    else
+        os << "Status: OK, " << (outcome.built ? "model built" : "model not built") << '\n';
+}
+
+void writeJson(const RunOptions& options, const Outcome& outcome, std::ostream& out) {
+    ordered_json doc;
+    doc["status"] = statusJson(outcome.status);
+    ordered_json warnings = ordered_json::array();
+    for (const MCStatus& w : outcome.warnings) {
+        ordered_json item;
+        item["code"] = w.GetCode();
+        item["message"] = StatusMessage(w.GetCode());
+        item["datum"] = w.HasDiscreteDatum(0) ? ordered_json(w.GetDiscreteDatum(0)) : ordered_json(nullptr);
+        warnings.push_back(item);
+    }
+    doc["warnings"] = warnings;
+    doc["model_built"] = outcome.built;
+    doc["results"] = outcome.haveResults ? outcome.view.getters : ordered_json(nullptr);
+    const std::string text = doc.dump(2) + "\n";
+    if (options.jsonPath == "-") {
+        out << text << std::flush;
+        return;
+    }
+    std::ofstream file(options.jsonPath, std::ios::binary);
+    file << text;
+    file.close();
+    if (!file) throw InputError(fmt::format("--json: cannot write '{}'", options.jsonPath));
+}
+
+int runChecked(const RunOptions& options, std::ostream& out, std::ostream& err) {
+    const nlohmann::json settingsJson = readSettingsFile(options.settingsPath);
+    std::vector<std::string> columns;
+    if (std::string e = MCCommon_850::ReadCsvHeader(options.dataPath, columns); !e.empty()) throw InputError(e);
+    std::vector<std::string> given;
+    BSNSettings settings = SettingsFromJson(settingsJson, columns, &given);
+    requireProcedure(settings);
+
+    const std::vector<int> used = UsedColumns(settings);
+    const std::vector<int> nominal = NominalColumns(settings);
+    MCCommon_850::CsvRecordIter iter(options.dataPath, used, nominal);
+    const MCCommon_850::CsvScanResult scan = iter.Scan();
+    if (!scan.error.empty()) throw InputError(scan.error);
+    const DataInfo data = describeData(columns, nominal, scan);
+    fillFactorSizes(settings, given, scan);
+
+    Outcome outcome;
+    outcome.status = settings.IsValidSettings();
+    const bool refused = outcome.status.IsError();
+    const std::vector<MCStatus> validationWarnings = settings.GetWarningMessages().GetAll();
+    outcome.warnings = validationWarnings;
+    const bool jsonOnOut = options.jsonPath == "-";
+    std::ostream& report = jsonOnOut ? err : out;
+
+    if (!refused) {
+        BSNComponent component(settings, data.varList);
+        MCCommon_850::MCAtomicCancel ownCancel;
+        std::unique_ptr<InterruptGuard> interrupt;
+        if (options.cancel == nullptr) interrupt = std::make_unique<InterruptGuard>(&ownCancel);
+        component.SetCancelPtr(options.cancel != nullptr ? options.cancel : &ownCancel);
+        std::unique_ptr<TerminalProgress> progress;
+        if (options.progress) {
+            progress = std::make_unique<TerminalProgress>(err, scan.nRecords);
+            component.SetProgressListener(progress.get());
+        }
+        component.BuildModel(iter);
+        progress.reset();
+        interrupt.reset();
+        if (const std::string failure = iter.GetSourceError(); !failure.empty()) throw InputError(failure);
+
+        outcome.status = component.GetStatus();
+        for (const MCStatus& w : component.GetWarningMessages()) outcome.warnings.push_back(w);
+        outcome.built = component.IsModelBuilt();
+        if (const auto* result = component.GetOutputStats(); result != nullptr && outcome.built) {
+            outcome.haveResults = DescribeResult(*result, data, outcome.view);
+            if (!outcome.haveResults)
+                err << fmt::format("bsn: note: no report for result kind {} ({})\n",
+                                   static_cast<int>(result->GetOutputType()), EnumWord(result->GetOutputType()));
+        }
+    }
+
+    if (!options.quiet && !jsonOnOut) {
+        std::string what = EnumWord(settings.GetModelType());
+        if (settings.GetModelType() == C::OneSample) what += " " + EnumWord(settings.GetTestDistType());
+        out << fmt::format("bsn: {} analysis of {} ({} records)\n\n", what, options.dataPath, scan.nRecords);
+        for (const TextTable& t : outcome.view.tables) t.Print(out);
+    }
+    printStatusAndWarnings(report, outcome, validationWarnings.size(), settings, data);
+    if (!options.jsonPath.empty()) writeJson(options, outcome, out);
+    if (!options.plotsDir.empty() && outcome.haveResults) {
+        const auto written = WritePlots(outcome.view.plots, options.plotsDir);
+        if (!options.quiet) report << fmt::format("Plots: {} file(s) in {}\n", written.size(), options.plotsDir);
+    }
+
+    if (refused) {
+        err << fmt::format("bsn: error: the settings were refused: {}\n", StatusMessage(outcome.status.GetCode()));
+        return kExitBadInput;
+    }
+    return outcome.built ? kExitBuilt : kExitAnalysisError;
+}
+
+} // namespace
+
+int RunAnalysis(const RunOptions& options, std::ostream& out, std::ostream& err) {
+    try {
+        return runChecked(options, out, err);
+    } catch (const InputError& e) {
+        err << "bsn: error: " << e.what() << '\n';
+        return kExitBadInput;
+    } catch (const std::exception& e) {
+        err << "bsn: internal error: " << e.what() << '\n';
+        return kExitAnalysisError;
+    }
+}
+
+int Main(int argc, const char* const* argv, std::ostream& out, std::ostream& err) {
+    CLI::App app{"bsn runs one Bayesian analysis, described by a JSON settings file, on a CSV data file.", "bsn"};
+    app.set_version_flag("--version", Version());
+    app.require_subcommand(1);
+    app.footer(MainHelpFooter());
+    RunOptions options;
+    CLI::App* run = app.add_subcommand("run", "Run the analysis SETTINGS describes on the records of DATA");
+    run->add_option("SETTINGS", options.settingsPath, "JSON settings file (keys listed below)")->required();
+    run->add_option("DATA", options.dataPath, "CSV data file; its first row names the columns")->required();
+    run->add_option("--json", options.jsonPath, "Write status, warnings and results as JSON to PATH ('-': stdout, "
+                                                "then no tables)")
+        ->type_name("PATH");
+    run->add_option("--plots", options.plotsDir, "Write one SVG of likelihood, prior and posterior per test variable "
+                                                 "into DIR")
+        ->type_name("DIR");
+    run->add_flag("-q,--quiet", options.quiet, "No tables; only warnings and status");
+    run->footer(RunHelpFooter());
+    try {
+        app.parse(argc, argv);
+    } catch (const CLI::ParseError& e) {
+        const int code = app.exit(e, out, err);
+        return code == 0 ? kExitBuilt : kExitBadInput;
+    }
+    options.progress = &err == &std::cerr && ::isatty(STDERR_FILENO) != 0 && !options.quiet;
+    return RunAnalysis(options, out, err);
+}
+
+} // namespace bsncli

@@ -1,0 +1,110 @@
+#pragma once
+// What the host shows of one result object: its getters as JSON, its
+// readable tables and its curves. Each result class has a small adapter
+// (results_*.cpp) that fills a ResultView; the host then prints, writes and
+// plots it without knowing the class.
+#include <iosfwd>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include <nlohmann/json.hpp>
+
+#include "bsn/frame/bsnoutputstats.h"
+#include "bsn/frame/bsnsettings.h"
+#include "platform/variables/mcvarlist.h"
+
+namespace bsncli {
+
+// The data as the host loaded it: column names (a variable's index is its
+// column) and the variable list with the labels of coded columns.
+struct DataInfo {
+    std::vector<std::string> columns;
+    MCXML_850::MCVarList varList;
+
+    std::string Name(int index) const;
+    std::vector<std::string> Names(const std::vector<int>& indices) const;
+};
+
+// One sampled curve; missing points are the system-missing value.
+struct Curve {
+    std::vector<double> x;
+    std::vector<double> y;
+};
+
+// The three curves of one test variable. The likelihood holds
+// log-likelihood values up to a constant.
+struct PlotSet {
+    std::string variable;
+    std::string parameter;  // what the x axis shows ("proportion", "rate", ...)
+    Curve logLikelihood;
+    Curve prior;
+    Curve posterior;
+};
+
+// A plain aligned text table: labelled columns, one row per test variable.
+class TextTable {
+public:
+    explicit TextTable(std::string title) : m_title(std::move(title)) {}
+    // The first column added is the row label and is left-aligned.
+    void AddColumn(std::string header, std::vector<std::string> cells);
+    void AddNote(std::string note) { m_notes.push_back(std::move(note)); }
+    void Print(std::ostream& os) const;
+    std::size_t Rows() const;
+
+private:
+    std::string m_title;
+    std::vector<std::pair<std::string, std::vector<std::string>>> m_columns;
+    std::vector<std::string> m_notes;
+};
+
+struct ResultView {
+    nlohmann::ordered_json getters = nlohmann::ordered_json::object();
+    std::vector<TextTable> tables;
+    std::vector<PlotSet> plots;
+};
+
+// Table cells: "." for a missing value, 6 significant digits otherwise.
+std::string FormatNumber(double value);
+// One cell per row; a vector shorter than the rows (a statistic that was
+// not asked for) leaves its cells missing.
+std::vector<std::string> FormatNumbers(const std::vector<double>& values, std::size_t rows);
+// A factor whose log flag is set prints as "exp(<log>)": it is too large or
+// too small to print as it stands.
+std::vector<std::string> FormatBayesFactors(const std::vector<double>& values, const std::vector<bool>& isLog,
+                                            std::size_t rows);
+extern const char* const kLogFactorNote;
+
+// JSON of getter values: missing numbers become null, also inside vectors;
+// pairs become 2-arrays; settings use the settings-file keys.
+nlohmann::ordered_json ToJson(const std::vector<double>& values);
+nlohmann::ordered_json ToJson(const std::vector<int>& values);
+nlohmann::ordered_json ToJson(const std::vector<bool>& values);
+nlohmann::ordered_json ToJson(const std::vector<std::vector<double>>& values);
+nlohmann::ordered_json ToJson(const std::vector<std::pair<double, double>>& values);
+nlohmann::ordered_json ToJson(const MCBSN_850::BSNSettings& settings, const DataInfo& data);
+
+// The getters every result shares: GetModelType and GetOutputType (as
+// numbers) and GetSettings.
+void PutCommonGetters(const MCBSN_850::BSNOutputStats& result, const MCBSN_850::BSNSettings& settings,
+                      const DataInfo& data, ResultView& view);
+
+using Curves = std::vector<std::vector<double>>;
+
+// The tables and plots every one-sample style result shares.
+TextTable BayesFactorTable(std::string title, const std::vector<std::string>& names,
+                           const std::vector<double>& factors, const std::vector<bool>& isLog);
+TextTable PosteriorTable(std::string title, const std::vector<std::string>& names, double ciLevel,
+                         const std::vector<double>& modes, const std::vector<double>& means,
+                         const std::vector<double>& variances, const std::vector<double>& lower,
+                         const std::vector<double>& upper);
+void AddPlots(ResultView& view, const std::vector<std::string>& names, const std::string& parameter,
+              const Curves& argsLikelihood,
+              const Curves& argsPrior, const Curves& argsPosterior, const Curves& logLikelihoods,
+              const Curves& priors, const Curves& posteriors);
+
+// Fills the view from whichever result class the object is; false for a
+// result kind the host has no adapter for.
+bool DescribeResult(const MCBSN_850::BSNOutputStats& result, const DataInfo& data, ResultView& view);
+
+} // namespace bsncli

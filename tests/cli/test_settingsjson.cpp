@@ -1,0 +1,270 @@
+#include <gtest/gtest.h>
+
+#include <functional>
+#include <string>
+#include <vector>
+
+#include "bsn/frame/bsnsettings.h"
+#include "cli/host.h"
+#include "cli/settingsjson.h"
+#include "platform/common/mcmv.h"
+
+using bsncli::InputError;
+using bsncli::SettingsFromJson;
+using bsncli::SettingsToJson;
+using MCBSN_850::BSNSettings;
+using MCCommon_850::MCMV;
+using nlohmann::json;
+namespace C = MCBSN_850::BSNConst;
+
+namespace {
+
+const std::vector<std::string> kColumns = {"w", "a", "b", "g", "y"};
+
+BSNSettings parse(const std::string& text) { return SettingsFromJson(json::parse(text), kColumns); }
+
+// The message of the InputError the settings raise, or "" when accepted.
+std::string errorOf(const std::string& text) {
+    try {
+        parse(text);
+    } catch (const InputError& e) {
+        return e.what();
+    }
+    return "";
+}
+
+} // namespace
+
+TEST(SettingsJson, EnumerationsByNumberOrWord) {
+    const BSNSettings s = parse(R"({"ModelType": "related", "TestDistType": "jeffreys-2", "AnalysType": 2,
+        "PriorDistType": "Inverse Chi-Square", "MeanDistType": "DIFFUSE", "LogLinPriorType": "Dirichlet",
+        "FixType": "fixed row", "RegrCompType": "Gonen", "EstBFType": "Simple", "MethodType": "MCA"})");
+    EXPECT_EQ(s.GetModelType(), C::Related);
+    EXPECT_EQ(s.GetTestDistType(), C::Jeffreys2);
+    EXPECT_EQ(s.GetAnalysType(), C::Both);
+    EXPECT_EQ(s.GetPriorDistType(), C::InverseChiSquare);
+    EXPECT_EQ(s.GetMeanDistType(), C::Diffuse);
+    EXPECT_EQ(s.GetLogLinPriorType(), C::LogLinDirichlet);
+    EXPECT_EQ(s.GetFixType(), C::FixedRow);
+    EXPECT_EQ(s.GetRegrCompType(), C::Gonen);
+    EXPECT_EQ(s.GetEstBFType(), C::Simple);
+    EXPECT_EQ(s.GetMethodType(), C::MCA);
+
+    EXPECT_NE(errorOf(R"({"AnalysType": 3})").find("settings key 'AnalysType': 3 is outside 0..2"), std::string::npos);
+    const std::string unknown = errorOf(R"({"TestDistType": "Binomal"})");
+    EXPECT_NE(unknown.find("'TestDistType'"), std::string::npos) << unknown;
+    EXPECT_NE(unknown.find("'Binomal'"), std::string::npos) << unknown;
+    EXPECT_NE(unknown.find("1 \"Binomial\""), std::string::npos) << unknown;
+    EXPECT_NE(errorOf(R"({"ModelType": true})").find("'ModelType'"), std::string::npos);
+}
+
+TEST(SettingsJson, ModelTypeComesFirstAndDependentKeysFollowTheirLists) {
+    // The model type resets the missing scope and the Bayes-factor method;
+    // the file's own values must survive whatever the key order.
+    BSNSettings s = parse(R"({"MissScope": 0, "RegrCompType": "Siow", "ModelType": "Independent"})");
+    EXPECT_EQ(s.GetModelType(), C::Independent);
+    EXPECT_EQ(s.GetMissScope(), C::MissingAnalysis);
+    EXPECT_EQ(s.GetRegrCompType(), C::Siow);
+    // Without them, the model type's own defaults apply (it is set with adjust).
+    s = parse(R"({"ModelType": "Independent"})");
+    EXPECT_EQ(s.GetMissScope(), C::MissingListwise);
+    EXPECT_EQ(s.GetRegrCompType(), C::Rouder);
+    EXPECT_DOUBLE_EQ(parse(R"({"ModelType": 3})").GetTolValue(), 0.0001);
+    EXPECT_DOUBLE_EQ(parse(R"({"TolValue": 0.5, "ModelType": 3})").GetTolValue(), 0.5);
+    // A method parameter given with the method is kept, not the method's default.
+    EXPECT_DOUBLE_EQ(parse(R"({"RegrComPar": 7, "RegrCompType": "Hyper"})").GetRegrComPar(), 7.0);
+    EXPECT_DOUBLE_EQ(parse(R"({"RegrCompType": "Hyper"})").GetRegrComPar(), 3.0);
+
+    // Sizes and second lists are checked against lists that sort after them.
+    s = parse(R"({"FactorSizes": [2, 3], "Factors": ["b", "a"], "2ndRelatedList": ["y"], "Covariates": ["g"]})");
+    EXPECT_EQ(s.GetFactors(), (std::vector<int>{2, 1}));
+    EXPECT_EQ(s.GetFactorSizes(), (std::vector<int>{2, 3}));
+    EXPECT_EQ(s.GetCovariates(), (std::vector<int>{3}));
+    EXPECT_EQ(s.Get2ndRelatedList(), (std::vector<int>{4}));
+}
+
+TEST(SettingsJson, RefusedValuesNameTheirKey) {
+    const std::vector<std::pair<std::string, std::string>> cases = {
+        {R"({"Factors": ["a", "b"], "FactorSizes": [2]})", "FactorSizes"},
+        {R"({"Factors": ["a", "b"], "FactorSizes": [2, 0]})", "FactorSizes"},
+        {R"({"FullModFactors": ["a"], "FullModFactorSizes": [-1]})", "FullModFactorSizes"},
+        {R"({"Covariates": ["a", "b"], "2ndRelatedList": ["y"]})", "2ndRelatedList"},
+        {R"({"ProgressFrequency": 0})", "ProgressFrequency"},
+        {R"({"NCases": -4})", "NCases"},
+        {R"({"SecondGonenPar": 0})", "SecondGonenPar"},
+    };
+    for (const auto& [text, key] : cases) {
+        const std::string e = errorOf(text);
+        EXPECT_NE(e.find("settings key '" + key + "'"), std::string::npos) << text << " -> " << e;
+        EXPECT_NE(e.find("refused"), std::string::npos) << text << " -> " << e;
+    }
+    EXPECT_EQ(errorOf(R"({"Factors": ["a", "b"], "FactorSizes": [2, 5], "ProgressFrequency": 7})"), "");
+}
+
+TEST(SettingsJson, UnknownKeysWrongTypesAndUnknownColumns) {
+    EXPECT_EQ(errorOf(R"({"Foo": 1})"), "unknown settings key 'Foo'");
+    EXPECT_EQ(errorOf(R"({"GetCILevel": 90})"), "unknown settings key 'GetCILevel' (did you mean 'CILevel'?)");
+    EXPECT_NE(errorOf(R"({"CancelPointer": null})").find("cannot be given"), std::string::npos);
+    EXPECT_NE(errorOf(R"([1, 2])").find("JSON object"), std::string::npos);
+
+    const std::vector<std::pair<std::string, std::string>> wrongType = {
+        {R"({"CILevel": "95"})", "settings key 'CILevel': expected a number or null, got a string"},
+        {R"({"Factors": "a"})", "settings key 'Factors': expected an array, got a string"},
+        {R"({"Factors": [1]})", "settings key 'Factors': expected a column name, got a number"},
+        {R"({"EqualDataVar": 1})", "settings key 'EqualDataVar': expected true or false, got a number"},
+        {R"({"MCSamples": 2.5})", "settings key 'MCSamples': expected a whole number, got a number with a fraction"},
+        {R"({"MaxNPlots": null})", "settings key 'MaxNPlots': expected a whole number, got null"},
+        {R"({"RandomSeed": -1})", "settings key 'RandomSeed': -1 is outside"},
+        {R"({"NullValues": [1, "x"]})", "settings key 'NullValues': expected a number or null, got a string"},
+        {R"({"FTests": [{"Predictors": ["a"], "Weight": 2}]})", "settings key 'FTests[0]': unknown key 'Weight'"},
+        {R"({"FTests": [{"Label": 3}]})", "settings key 'FTests[0].Label': expected text"},
+    };
+    for (const auto& [text, message] : wrongType) {
+        const std::string e = errorOf(text);
+        EXPECT_EQ(e.substr(0, message.size()), message) << text;
+    }
+    EXPECT_EQ(errorOf(R"({"Covariates": ["a", "zz"]})"),
+              "settings key 'Covariates': unknown column 'zz' (the data has: w, a, b, g, y)");
+    EXPECT_NE(errorOf(R"({"FTests": [{"Predictors": ["A"]}]})").find("'FTests[0].Predictors': unknown column 'A'"),
+              std::string::npos);
+    // Whole numbers written with a zero fraction are whole numbers.
+    EXPECT_EQ(parse(R"({"MCSamples": 500.0})").GetMCSamples(), 500);
+}
+
+TEST(SettingsJson, NullIsTheMissingValueAndVariablesAreColumnPositions) {
+    const BSNSettings s = parse(R"({"PriorParam1": null, "PriorParam2": 4.5, "CILevel": null,
+        "NullPrior1s": [1, null, 3], "FrequencyWeightVar": null, "GroupVar": "g", "DependentVar": "w",
+        "RegrWeightVar": "y", "FTests": [{"UseIntercept": true, "Predictors": ["b", "a"],
+        "TestValues": [0.5, null], "Label": "b and a"}]})");
+    EXPECT_TRUE(MCMV::IsMissing(s.GetPriorParam1()));
+    EXPECT_EQ(s.GetPriorParam1(), MCMV::Missing());
+    EXPECT_EQ(s.GetPriorParam2(), 4.5);
+    EXPECT_EQ(s.GetCILevel(), MCMV::Missing());
+    ASSERT_EQ(s.GetNullPrior1s().size(), 3u);
+    EXPECT_EQ(s.GetNullPrior1s()[0], 1.0);
+    EXPECT_EQ(s.GetNullPrior1s()[1], MCMV::Missing());
+    EXPECT_EQ(s.GetNullPrior1s()[2], 3.0);
+    EXPECT_EQ(s.GetFrequencyWeightVar(), -1);
+    EXPECT_EQ(s.GetGroupVar(), 3);
+    EXPECT_EQ(s.GetDependentVar(), 0);
+    EXPECT_EQ(s.GetRegrWeightVar(), 4);
+    ASSERT_EQ(s.GetFTests().size(), 1u);
+    const auto& t = s.GetFTests()[0];
+    EXPECT_TRUE(t.GetUseIntercept());
+    EXPECT_EQ(t.GetPredictors(), (std::vector<int>{2, 1}));
+    ASSERT_EQ(t.GetTestValues().size(), 2u);
+    EXPECT_EQ(t.GetTestValues()[1], MCMV::Missing());
+    EXPECT_EQ(t.GetLabel(), "b and a");
+}
+
+// Every scalar key lands in its own field: a key wired to a neighbour's
+// setter and getter would pass a round trip, but not this.
+TEST(SettingsJson, EveryScalarKeyReachesItsOwnField) {
+    using Get = std::function<double(const BSNSettings&)>;
+    const std::vector<std::tuple<std::string, double, Get>> keys = {
+        {"NCases", 11, [](const BSNSettings& s) { return s.GetNCases(); }},
+        {"MaxIterations", 12, [](const BSNSettings& s) { return s.GetMaxIterations(); }},
+        {"CILevel", 13, [](const BSNSettings& s) { return s.GetCILevel(); }},
+        {"RandomSeed", 14, [](const BSNSettings& s) { return static_cast<double>(s.GetRandomSeed()); }},
+        {"TolValue", 15, [](const BSNSettings& s) { return s.GetTolValue(); }},
+        {"MCSamples", 16, [](const BSNSettings& s) { return s.GetMCSamples(); }},
+        {"NullValue", 17, [](const BSNSettings& s) { return s.GetNullValue(); }},
+        {"PriorParam1", 18, [](const BSNSettings& s) { return s.GetPriorParam1(); }},
+        {"PriorParam2", 19, [](const BSNSettings& s) { return s.GetPriorParam2(); }},
+        {"PriorDistParam1", 20, [](const BSNSettings& s) { return s.GetPriorDistParam1(); }},
+        {"PriorDistParam2", 21, [](const BSNSettings& s) { return s.GetPriorDistParam2(); }},
+        {"MeanDistParam1", 22, [](const BSNSettings& s) { return s.GetMeanDistParam1(); }},
+        {"MeanDistParam2", 23, [](const BSNSettings& s) { return s.GetMeanDistParam2(); }},
+        {"MeanDistParam3", 24, [](const BSNSettings& s) { return s.GetMeanDistParam3(); }},
+        {"MeanDistParam4", 25, [](const BSNSettings& s) { return s.GetMeanDistParam4(); }},
+        {"KappaValue", 26, [](const BSNSettings& s) { return s.GetKappaValue(); }},
+        {"PriorShape", 27, [](const BSNSettings& s) { return s.GetPriorShape(); }},
+        {"PriorScale", 28, [](const BSNSettings& s) { return s.GetPriorScale(); }},
+        {"CorrCValue", 29, [](const BSNSettings& s) { return s.GetCorrCValue(); }},
+        {"PosteriorSamples", 30, [](const BSNSettings& s) { return static_cast<double>(s.GetPosteriorSamples()); }},
+        {"RegrComPar", 31, [](const BSNSettings& s) { return s.GetRegrComPar(); }},
+        {"SecondGonenPar", 32, [](const BSNSettings& s) { return s.GetSecondGonenPar(); }},
+        {"RegrPrecision", 33, [](const BSNSettings& s) { return s.GetRegrPrecision(); }},
+        {"MaxNPlotCategories", 34, [](const BSNSettings& s) { return s.GetMaxNPlotCategories(); }},
+        {"MaxNPlots", 35, [](const BSNSettings& s) { return s.GetMaxNPlots(); }},
+        {"NPlotPoints", 36, [](const BSNSettings& s) { return s.GetNPlotPoints(); }},
+        {"PlotDomainLevel", 37, [](const BSNSettings& s) { return s.GetPlotDomainLevel(); }},
+        {"LogLinIntrinsicT", 38, [](const BSNSettings& s) { return s.GetLogLinIntrinsicT(); }},
+        {"ProgressFrequency", 39, [](const BSNSettings& s) { return s.GetProgressFrequency(); }},
+        {"MaxThreadNum", 40, [](const BSNSettings& s) { return s.GetMaxThreadNum(); }},
+        {"NPairsPerTask", 41, [](const BSNSettings& s) { return s.GetNPairsPerTask(); }},
+        {"MemCacheKB", 42, [](const BSNSettings& s) { return s.GetMemCacheKB(); }},
+    };
+    json all = json::object();
+    for (const auto& [key, value, get] : keys) all[key] = value;
+    const BSNSettings s = SettingsFromJson(all, kColumns);
+    for (const auto& [key, value, get] : keys) EXPECT_EQ(get(s), value) << key;
+
+    const std::vector<std::tuple<std::string, std::function<const std::vector<double>&(const BSNSettings&)>>> lists = {
+        {"DataVarVals", &BSNSettings::GetDataVarVals},   {"NullValues", &BSNSettings::GetNullValues},
+        {"NullPrior1s", &BSNSettings::GetNullPrior1s},   {"NullPrior2s", &BSNSettings::GetNullPrior2s},
+        {"AlterGValues", &BSNSettings::GetAlterGValues}, {"AlterPrior1s", &BSNSettings::GetAlterPrior1s},
+        {"AlterPrior2s", &BSNSettings::GetAlterPrior2s}, {"PriorMeans", &BSNSettings::GetPriorMeans},
+        {"PriorCovMatrix", &BSNSettings::GetPriorCovMatrix}, {"Regressors", &BSNSettings::GetRegressors},
+        {"LogLinShapes", &BSNSettings::GetLogLinShapes}, {"Lambdas", &BSNSettings::GetLambdas},
+    };
+    json lj = json::object();
+    for (std::size_t i = 0; i < lists.size(); ++i) lj[std::get<0>(lists[i])] = {static_cast<double>(i), 0.5};
+    const BSNSettings ls = SettingsFromJson(lj, kColumns);
+    for (std::size_t i = 0; i < lists.size(); ++i)
+        EXPECT_EQ(std::get<1>(lists[i])(ls), (std::vector<double>{static_cast<double>(i), 0.5})) << std::get<0>(lists[i]);
+
+    const BSNSettings vs = parse(R"({"Factors": ["a"], "Covariates": ["b"], "FullModFactors": ["g"],
+        "FullModCovariates": ["y"], "PlotFactors": ["w"], "PlotCovars": ["a", "b"], "PlotFactorCats": [4],
+        "EqualDataVar": true, "ComputeVarianceInScoring": true})");
+    EXPECT_EQ(vs.GetFactors(), std::vector<int>{1});
+    EXPECT_EQ(vs.GetCovariates(), std::vector<int>{2});
+    EXPECT_EQ(vs.GetFullModFactors(), std::vector<int>{3});
+    EXPECT_EQ(vs.GetFullModCovariates(), std::vector<int>{4});
+    EXPECT_EQ(vs.GetPlotFactors(), std::vector<int>{0});
+    EXPECT_EQ(vs.GetPlotCovars(), (std::vector<int>{1, 2}));
+    EXPECT_EQ(vs.GetPlotFactorCats(), std::vector<int>{4});
+    EXPECT_TRUE(vs.GetEqualDataVar());
+    EXPECT_TRUE(vs.IsComputeVarianceInScoring());
+}
+
+TEST(SettingsJson, WrittenSettingsUseTheFileKeysAndReadBackUnchanged) {
+    const json in = json::parse(R"({"ModelType": "Related", "Covariates": ["a", "b"], "2ndRelatedList": ["g", "y"],
+        "FrequencyWeightVar": "w", "AnalysType": "Both", "NullValues": [0, null], "PriorDistType": "Jeffreys 4",
+        "FTests": [{"UseIntercept": false, "Predictors": ["a"], "TestValues": [1], "Label": "t"}]})");
+    const BSNSettings s = SettingsFromJson(in, kColumns);
+    const auto out = SettingsToJson(s, kColumns);
+    EXPECT_EQ(out.begin().key(), "ModelType");
+    EXPECT_EQ(out["ModelType"], 1);
+    EXPECT_EQ(out["Covariates"], json({"a", "b"}));
+    EXPECT_EQ(out["2ndRelatedList"], json({"g", "y"}));
+    EXPECT_EQ(out["FrequencyWeightVar"], "w");
+    EXPECT_TRUE(out["GroupVar"].is_null());
+    EXPECT_TRUE(out["PriorParam1"].is_null());
+    EXPECT_EQ(out["NullValues"], json::parse("[0, null]"));
+    EXPECT_EQ(out["PriorDistType"], 8);
+    EXPECT_EQ(out["FTests"][0]["Predictors"], json({"a"}));
+    for (const char* hostOnly : {"ProgressListener", "CancelPointer", "ThreadFactory", "WarningMessages"})
+        EXPECT_FALSE(out.contains(hostOnly)) << hostOnly;
+
+    // What is written reads back into the same record.
+    const auto again = SettingsToJson(SettingsFromJson(json::parse(out.dump()), kColumns), kColumns);
+    EXPECT_EQ(again, out);
+    // And a default record's every key is accepted by the reader.
+    const auto defaults = SettingsToJson(BSNSettings(), kColumns);
+    EXPECT_EQ(defaults.size(), 76u);
+    EXPECT_EQ(SettingsToJson(SettingsFromJson(json::parse(defaults.dump()), kColumns), kColumns), defaults);
+}
+
+TEST(SettingsJson, ColumnsReadAndColumnsCoded) {
+    BSNSettings s = parse(R"({"ModelType": 0, "TestDistType": "Binomial", "Factors": ["a", "b"],
+        "FrequencyWeightVar": "w", "FullModFactors": ["g"]})");
+    EXPECT_EQ(bsncli::UsedColumns(s), (std::vector<int>{0, 1, 2, 3}));
+    // Binomial test variables count successes: never coded.
+    EXPECT_EQ(bsncli::NominalColumns(s), (std::vector<int>{3}));
+    s.SetTestDistType(C::Normal);
+    EXPECT_EQ(bsncli::NominalColumns(s), (std::vector<int>{1, 2, 3}));
+    s = parse(R"({"ModelType": "Independent", "Covariates": ["y"], "GroupVar": "g", "DependentVar": "w"})");
+    EXPECT_EQ(bsncli::UsedColumns(s), (std::vector<int>{0, 3, 4}));
+    EXPECT_EQ(bsncli::NominalColumns(s), (std::vector<int>{3}));
+}
