@@ -41,9 +41,9 @@ std::string escape(const std::string& text) {
     return out;
 }
 
-// Tick positions at 1, 2 or 5 times a power of ten, about five per axis.
+// Tick positions at 1, 2 or 5 times a power of ten, three to six per axis.
 std::vector<double> niceTicks(double lo, double hi) {
-    const double raw = (hi - lo) / 5.0;
+    const double raw = (hi - lo) / 6.0;
     const double power = std::pow(10.0, std::floor(std::log10(raw)));
     double step = power;
     for (double m : {1.0, 2.0, 5.0, 10.0}) {

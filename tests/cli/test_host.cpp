@@ -23,7 +23,7 @@
 #include "platform/progress/mcquerycancel.h"
 #include "tests/cli/tempfiles.h"
 
-using nlohmann::json;
+using json = nlohmann::ordered_json;
 namespace C = MCBSN_850::BSNConst;
 
 namespace {
