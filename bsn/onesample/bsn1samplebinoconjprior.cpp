@@ -2,7 +2,6 @@
 
 #include <cmath>
 
-#include "bsn/frame/bsncomponentdisplay.h"
 #include "bsn/onesample/bsn1samplebinobayesfactor.h"
 #include "bsn/onesample/bsn1samplediscreteutils.h"
 #include "platform/common/mcmv.h"
@@ -26,26 +25,11 @@ constexpr double kGridSpan = 0.9999999999999996;
 } // namespace
 
 BSN1SampleBinoConjPrior::BSN1SampleBinoConjPrior(const BSNSettings& settings)
-    : m_settings(settings), m_counts(settings.GetFactors()) {
-    initResults();
-}
+    : BSN1SampleBinoConjPrior(settings, BSN1SampleBinoCounts(settings.GetFactors())) {}
 
 BSN1SampleBinoConjPrior::BSN1SampleBinoConjPrior(const BSNSettings& settings, const BSN1SampleBinoCounts& counts)
-    : m_settings(settings), m_counts(counts) {
-    initResults();
-}
-
-void BSN1SampleBinoConjPrior::initResults() {
-    const std::size_t nVars = m_counts.Size();
-    for (auto* v : {&m_modes, &m_means, &m_variances, &m_lowerLimits, &m_upperLimits})
-        v->assign(nVars, MCMV::Missing());
-    for (auto* v : {&m_plotArguments, &m_plotLikelihoods, &m_plotPrior, &m_plotPosterior}) v->assign(nVars, {});
-}
-
-MCStatus BSN1SampleBinoConjPrior::EndDataPass() {
-    m_status = m_counts.HasAnyTrial() ? MCStatus() : MCStatus(410003, false);
-    return m_status;
-}
+    : BSN1SampleDiscretePosterior(settings, counts), m_plotArguments(counts.Size()),
+      m_plotLikelihoods(counts.Size()), m_plotPrior(counts.Size()), m_plotPosterior(counts.Size()) {}
 
 double BSN1SampleBinoConjPrior::updateForBeta(double t, double alpha, double beta, double c) {
     const double exponent = c + (alpha - 1.0) * std::log(t) + (beta - 1.0) * std::log1p(-t);
@@ -74,19 +58,10 @@ double BSN1SampleBinoConjPrior::computeMode(double alpha, double beta, double s)
 }
 
 MCStatus BSN1SampleBinoConjPrior::Compute() {
-    if (m_settings.GetPriorType() != BSNConst::Conjugate) {
-        m_status = MCStatus(410017, false);
-        return m_status;
-    }
-    const double a = m_settings.GetPriorParam1();
-    const double b = m_settings.GetPriorParam2();
-    if (MCMV::IsMissing(a) || MCMV::IsMissing(b)) {
-        m_status = MCStatus(410019, false);
-        return m_status;
-    }
+    double a = 0.0, b = 0.0;
+    if (readPrior(a, b).IsError()) return m_status;
     const std::vector<double> grid = PlotGrid(m_settings.GetNPlotPoints());
     for (std::size_t i = 0; i < m_counts.Size(); ++i) computeVariable(i, a, b, grid);
-    m_status = MCStatus();
     return m_status;
 }
 
@@ -105,9 +80,7 @@ void BSN1SampleBinoConjPrior::computeVariable(std::size_t i, double a, double b,
     m_means[i] = MCMV::Sanitize(alpha / s);
     m_variances[i] = MCMV::Sanitize(alpha * beta / ((s + 1.0) * s * s));
     m_modes[i] = MCMV::Sanitize(computeMode(alpha, beta, s));
-    const double tail = 1.0 - m_settings.GetCILevel() / 100.0;
-    m_lowerLimits[i] = MCDistFun::IdfBeta(tail / 2.0, alpha, beta);
-    m_upperLimits[i] = MCDistFun::IdfBeta(1.0 - tail / 2.0, alpha, beta);
+    setLimits(i, [&](double p) { return MCDistFun::IdfBeta(p, alpha, beta); });
     ComputePlot(i, a, b, alpha, beta, grid);
 }
 
@@ -141,18 +114,11 @@ void BSN1SampleBinoConjPrior::Display(std::ostream& os) const {
     using namespace MCDisplay_850;
     StreamGuard guard(os);
     DisplayText(0, "BSN1SampleBinoConjPrior display start");
-    m_counts.Display(os);
-    DisplayDV("Mode values", m_modes);
-    DisplayDV("Mean values", m_means);
-    DisplayDV("Variance values", m_variances);
-    DisplayDV("Lower limits", m_lowerLimits);
-    DisplayDV("Upper limits", m_upperLimits);
+    displaySummaries(os);
     DisplayDVV("Plot arguments", m_plotArguments);
     DisplayDVV("Plot likelihoods", m_plotLikelihoods);
     DisplayDVV("Plot prior", m_plotPrior);
     DisplayDVV("Plot posterior", m_plotPosterior);
-    BSNComponentDisplay::DisplayStatus("Status", m_status);
-    BSNComponentDisplay::DisplayVStatus("Warnings", m_warnings.GetAll());
     DisplayText(0, "End of display BSN1SampleBinoConjPrior object");
 }
 

@@ -23,7 +23,7 @@ void BSN1SampleBinoCounts::Update(const MCCommon_850::Record& record, double wei
     }
 }
 
-bool BSN1SampleBinoCounts::HasAnyTrial() const {
+bool BSN1SampleBinoCounts::HasAnyCase() const {
     return std::any_of(m_trials.begin(), m_trials.end(), [](double n) { return n >= 1.0; });
 }
 

@@ -22,7 +22,7 @@ public:
 
     std::size_t Size() const { return m_varIndices.size(); }
     // True when some variable has at least one trial.
-    bool HasAnyTrial() const;
+    bool HasAnyCase() const;
 
     const std::vector<int>& GetVarIndices() const { return m_varIndices; }
     // Trials n: sum of the weights of the used records.

@@ -2,7 +2,7 @@
 
 #include "bsn/frame/bsncomponentdisplay.h"
 #include "bsn/onesample/bsn1samplebinomial.h"
-#include "bsn/onesample/bsn1samplediscreteutils.h"
+#include "bsn/onesample/bsn1samplediscreteoutputdata.h"
 #include "platform/common/mcmv.h"
 #include "platform/display/mcdisplay.h"
 
@@ -15,44 +15,33 @@ namespace {
 constexpr double kSuccessCode = 1.0;
 } // namespace
 
-class BSN1SampleBinoOutputStatsImpl {
+class BSN1SampleBinoOutputStatsImpl : public BSN1SampleDiscreteOutputData {
 public:
     BSN1SampleBinoOutputStatsImpl(const BSNSettings& settings, BSNAlgorithm& procedure);
 
-    BSNSettings settings;
-    std::vector<int> varIndices;
-    std::vector<double> bayesFactors;
-    std::vector<bool> isLogBayesFactor;
-    std::vector<double> ns, cat1Indices, cat1Ns, cat2Ns, cat1Props, cat2Props;
-    std::vector<double> modes, means, variances, lowerLimits, upperLimits;
+    std::vector<double> cat1Indices, cat1Ns, cat2Ns, cat1Props, cat2Props;
     std::vector<std::vector<double>> plotArguments, plotLikelihoods, plotPrior, plotPosterior;
 
 private:
     void fillCategories(const BSN1SampleBinoCounts& counts);
-    void fillPosterior(const BSN1SampleBinoConjPrior& posterior);
+    void fillPlots(const BSN1SampleBinoConjPrior& posterior);
 };
 
 BSN1SampleBinoOutputStatsImpl::BSN1SampleBinoOutputStatsImpl(const BSNSettings& s, BSNAlgorithm& procedure)
-    : settings(s), varIndices(s.GetFactors()) {
-    const std::size_t nVars = varIndices.size();
-    for (auto* v : {&bayesFactors, &ns, &cat1Indices, &cat1Ns, &cat2Ns, &cat1Props, &cat2Props, &modes, &means,
-                    &variances, &lowerLimits, &upperLimits})
-        v->assign(nVars, MCMV::Missing());
-    isLogBayesFactor.assign(nVars, false);
-    for (auto* v : {&plotArguments, &plotLikelihoods, &plotPrior, &plotPosterior}) v->assign(nVars, {});
+    : BSN1SampleDiscreteOutputData(s, s.GetFactors()) {
+    for (auto* v : {&cat1Indices, &cat1Ns, &cat2Ns, &cat1Props, &cat2Props}) v->assign(Size(), MCMV::Missing());
+    for (auto* v : {&plotArguments, &plotLikelihoods, &plotPrior, &plotPosterior}) v->assign(Size(), {});
 
     const auto* binomial = dynamic_cast<const BSN1SampleBinomial*>(&procedure);
     if (binomial == nullptr) return;
     const BSN1SampleBinoBayesFactor* factor = binomial->GetBayesFactorWorker();
     const BSN1SampleBinoConjPrior* posterior = binomial->GetPosteriorWorker();
-    if (factor != nullptr && factor->GetBayesFactors().size() == nVars) {
-        bayesFactors = BSN1SampleDiscreteUtils::Sanitized(factor->GetBayesFactors());
-        isLogBayesFactor = factor->GetIsLogBayesFactor();
-    }
-    if (posterior != nullptr && posterior->GetCounts().Size() == nVars) {
+    if (factor != nullptr) CopyFactors(*factor);
+    if (posterior != nullptr && posterior->GetCounts().Size() == Size()) {
         fillCategories(posterior->GetCounts());
-        fillPosterior(*posterior);
-    } else if (factor != nullptr && factor->GetCounts().Size() == nVars) {
+        CopySummaries(*posterior);
+        fillPlots(*posterior);
+    } else if (factor != nullptr && factor->GetCounts().Size() == Size()) {
         fillCategories(factor->GetCounts());
     }
 }
@@ -72,12 +61,7 @@ void BSN1SampleBinoOutputStatsImpl::fillCategories(const BSN1SampleBinoCounts& c
     }
 }
 
-void BSN1SampleBinoOutputStatsImpl::fillPosterior(const BSN1SampleBinoConjPrior& posterior) {
-    modes = BSN1SampleDiscreteUtils::Sanitized(posterior.GetModeValues());
-    means = BSN1SampleDiscreteUtils::Sanitized(posterior.GetMeanValues());
-    variances = BSN1SampleDiscreteUtils::Sanitized(posterior.GetVarianceValues());
-    lowerLimits = BSN1SampleDiscreteUtils::Sanitized(posterior.GetLowerLimits());
-    upperLimits = BSN1SampleDiscreteUtils::Sanitized(posterior.GetUpperLimits());
+void BSN1SampleBinoOutputStatsImpl::fillPlots(const BSN1SampleBinoConjPrior& posterior) {
     plotArguments = BSN1SampleDiscreteUtils::Sanitized(posterior.GetPlotArguments());
     plotLikelihoods = BSN1SampleDiscreteUtils::Sanitized(posterior.GetPlotLikelihoods());
     plotPrior = BSN1SampleDiscreteUtils::Sanitized(posterior.GetPlotPrior());
@@ -122,20 +106,13 @@ void BSN1SampleBinoOutputStats::Display(std::ostream& os) const {
     DisplayText(0, "BSN1SampleBinoOutputStats display start");
     BSNComponentDisplay::DisplayC("Model Type", GetModelType());
     BSNComponentDisplay::DisplayC("Output Type", GetOutputType());
-    DisplayIV("Variable indices", d.varIndices);
-    DisplayDV("Bayes factors", d.bayesFactors);
-    DisplayBV("Is log Bayes factor", d.isLogBayesFactor);
-    DisplayDV("Ns", d.ns);
+    d.DisplayFactors();
     DisplayDV("Category 1 indices", d.cat1Indices);
     DisplayDV("Category 1 Ns", d.cat1Ns);
     DisplayDV("Category 2 Ns", d.cat2Ns);
     DisplayDV("Category 1 proportions", d.cat1Props);
     DisplayDV("Category 2 proportions", d.cat2Props);
-    DisplayDV("Mode values", d.modes);
-    DisplayDV("Mean values", d.means);
-    DisplayDV("Variance values", d.variances);
-    DisplayDV("Lower limits", d.lowerLimits);
-    DisplayDV("Upper limits", d.upperLimits);
+    d.DisplaySummaries();
     DisplayDVV("Plot arguments", d.plotArguments);
     DisplayDVV("Plot likelihoods", d.plotLikelihoods);
     DisplayDVV("Plot prior", d.plotPrior);

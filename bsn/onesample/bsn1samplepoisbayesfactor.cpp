@@ -2,8 +2,6 @@
 
 #include <cmath>
 
-#include "bsn/frame/bsncomponentdisplay.h"
-#include "bsn/onesample/bsn1samplediscreteutils.h"
 #include "platform/common/mcmv.h"
 #include "platform/display/mcdisplay.h"
 #include "platform/dist/mcdistfun.h"
@@ -16,21 +14,12 @@ using MCMath_850::MCDistFun;
 
 namespace {
 
-// The null prior defaults to Gamma(2, 2): rate near 1, moderately spread.
-constexpr double kDefaultNullPrior = 2.0;
-
 bool usable(double a, double b) { return !MCMV::IsMissing(a) && !MCMV::IsMissing(b) && a > 0.0 && b > 0.0; }
 
 } // namespace
 
 BSN1SamplePoisBayesFactor::BSN1SamplePoisBayesFactor(const BSNSettings& settings)
-    : m_settings(settings), m_counts(settings.GetCovariates()), m_bayesFactors(m_counts.Size(), MCMV::Missing()),
-      m_isLog(m_counts.Size(), false) {}
-
-MCStatus BSN1SamplePoisBayesFactor::EndDataPass() {
-    m_status = m_counts.HasAnyCase() ? MCStatus() : MCStatus(410003, false);
-    return m_status;
-}
+    : BSN1SampleDiscreteFactor(settings, settings.GetCovariates()) {}
 
 double BSN1SamplePoisBayesFactor::logMarginal(double a, double b, double N, double S) {
     if (!usable(a, b)) return MCMV::Missing();
@@ -42,13 +31,9 @@ double BSN1SamplePoisBayesFactor::logMarginal(double a, double b, double N, doub
 
 MCStatus BSN1SamplePoisBayesFactor::ComputeBFs() {
     MCStatus status;
-    bool anyLog = false;
     for (std::size_t i = 0; i < m_counts.Size(); ++i) {
-        const double a0 = BSN1SampleDiscreteUtils::ListValue(m_settings.GetNullPrior1s(), i, kDefaultNullPrior);
-        const double b0 = BSN1SampleDiscreteUtils::ListValue(m_settings.GetNullPrior2s(), i, kDefaultNullPrior);
-        const double a1 = BSN1SampleDiscreteUtils::ListValue(m_settings.GetAlterPrior1s(), i, MCMV::Missing());
-        const double b1 = BSN1SampleDiscreteUtils::ListValue(m_settings.GetAlterPrior2s(), i, MCMV::Missing());
-        if (!usable(a1, b1)) {
+        const Priors priors = priorsOf(i);
+        if (!usable(priors.a1, priors.b1)) {
             if (status.IsOK()) {
                 status = MCStatus(410018, true);
                 status.SetDiscreteDatum(0, static_cast<int>(i));
@@ -57,29 +42,21 @@ MCStatus BSN1SamplePoisBayesFactor::ComputeBFs() {
         }
         const double N = m_counts.GetWeightSums()[i];
         const double S = m_counts.GetCountSums()[i];
-        const double null = logMarginal(a0, b0, N, S);
-        const double alternative = logMarginal(a1, b1, N, S);
+        const double null = logMarginal(priors.a0, priors.b0, N, S);
+        const double alternative = logMarginal(priors.a1, priors.b1, N, S);
         if (MCMV::IsMissing(null) || MCMV::IsMissing(alternative)) continue;
-        bool isLog = false;
-        if (BSN1SampleDiscreteUtils::StoreFactor(MCMV::Sanitize(null - alternative), m_bayesFactors[i], isLog))
-            anyLog = true;
-        m_isLog[i] = isLog;
+        storeFactor(i, MCMV::Sanitize(null - alternative));
     }
-    if (anyLog) m_warnings.AddWarning(MCStatus(410041, true), nullptr);
+    finishFactors();
     m_status = status;
     return m_status;
 }
 
 void BSN1SamplePoisBayesFactor::Display(std::ostream& os) const {
-    using namespace MCDisplay_850;
-    StreamGuard guard(os);
-    DisplayText(0, "BSN1SamplePoisBayesFactor display start");
-    m_counts.Display(os);
-    DisplayDV("Bayes factors", m_bayesFactors);
-    DisplayBV("Is log Bayes factor", m_isLog);
-    BSNComponentDisplay::DisplayStatus("Status", m_status);
-    BSNComponentDisplay::DisplayVStatus("Warnings", m_warnings.GetAll());
-    DisplayText(0, "End of display BSN1SamplePoisBayesFactor object");
+    MCDisplay_850::StreamGuard guard(os);
+    MCDisplay_850::DisplayText(0, "BSN1SamplePoisBayesFactor display start");
+    displayFactors(os);
+    MCDisplay_850::DisplayText(0, "End of display BSN1SamplePoisBayesFactor object");
 }
 
 } // namespace MCBSN_850

@@ -3,7 +3,7 @@
 #include <cmath>
 
 #include "bsn/frame/bsncomponentdisplay.h"
-#include "bsn/onesample/bsn1samplediscreteutils.h"
+#include "bsn/onesample/bsn1samplediscreteoutputdata.h"
 #include "bsn/onesample/bsn1samplepoisson.h"
 #include "platform/common/mcmv.h"
 #include "platform/display/mcdisplay.h"
@@ -28,52 +28,43 @@ struct Domain {
 
 } // namespace
 
-class BSN1SamplePoisnOutputStatsImp {
+class BSN1SamplePoisnOutputStatsImp : public BSN1SampleDiscreteOutputData {
 public:
     BSN1SamplePoisnOutputStatsImp(const BSNSettings& settings, BSNAlgorithm& procedure);
 
-    BSNSettings settings;
-    std::vector<int> varIndices;
-    std::vector<double> bayesFactors;
-    std::vector<bool> isLogBayesFactor;
-    std::vector<double> ns, minCnts, maxCnts;
-    std::vector<double> modes, means, variances, lowerLimits, upperLimits;
+    std::vector<double> minCnts, maxCnts;
     std::vector<std::pair<double, double>> posteriorParams, likelihoodParams;
     std::vector<Curve> likelihoodArgs, priorArgs, posteriorArgs;
     std::vector<Curve> likelihoods, priors, posteriors;
 
 private:
     void fillCounts(const BSN1SamplePoisCounts& counts);
-    void fillPosterior(const BSN1SamplePoisProir& posterior);
+    void fillParams(const BSN1SamplePoisProir& posterior);
     void ComputePlots();
     double domainLevel() const;
     Domain gammaDomain(double shape, double rate) const;
 };
 
 BSN1SamplePoisnOutputStatsImp::BSN1SamplePoisnOutputStatsImp(const BSNSettings& s, BSNAlgorithm& procedure)
-    : settings(s), varIndices(s.GetCovariates()) {
-    const std::size_t nVars = varIndices.size();
-    for (auto* v : {&bayesFactors, &ns, &minCnts, &maxCnts, &modes, &means, &variances, &lowerLimits, &upperLimits})
-        v->assign(nVars, MCMV::Missing());
-    isLogBayesFactor.assign(nVars, false);
-    posteriorParams.assign(nVars, {MCMV::Missing(), MCMV::Missing()});
-    likelihoodParams.assign(nVars, {MCMV::Missing(), MCMV::Missing()});
+    : BSN1SampleDiscreteOutputData(s, s.GetCovariates()) {
+    minCnts.assign(Size(), MCMV::Missing());
+    maxCnts.assign(Size(), MCMV::Missing());
+    posteriorParams.assign(Size(), {MCMV::Missing(), MCMV::Missing()});
+    likelihoodParams.assign(Size(), {MCMV::Missing(), MCMV::Missing()});
     for (auto* v : {&likelihoodArgs, &priorArgs, &posteriorArgs, &likelihoods, &priors, &posteriors})
-        v->assign(nVars, {});
+        v->assign(Size(), {});
 
     const auto* poisson = dynamic_cast<const BSN1SamplePoisson*>(&procedure);
     if (poisson == nullptr) return;
     const BSN1SamplePoisBayesFactor* factor = poisson->GetBayesFactorWorker();
     const BSN1SamplePoisProir* posterior = poisson->GetPosteriorWorker();
-    if (factor != nullptr && factor->GetBayesFactors().size() == nVars) {
-        bayesFactors = BSN1SampleDiscreteUtils::Sanitized(factor->GetBayesFactors());
-        isLogBayesFactor = factor->GetIsLogBayesFactor();
-    }
-    if (posterior != nullptr && posterior->GetCounts().Size() == nVars) {
+    if (factor != nullptr) CopyFactors(*factor);
+    if (posterior != nullptr && posterior->GetCounts().Size() == Size()) {
         fillCounts(posterior->GetCounts());
-        fillPosterior(*posterior);
+        CopySummaries(*posterior);
+        fillParams(*posterior);
         ComputePlots();
-    } else if (factor != nullptr && factor->GetCounts().Size() == nVars) {
+    } else if (factor != nullptr && factor->GetCounts().Size() == Size()) {
         fillCounts(factor->GetCounts());
     }
 }
@@ -88,16 +79,11 @@ void BSN1SamplePoisnOutputStatsImp::fillCounts(const BSN1SamplePoisCounts& count
     }
 }
 
-void BSN1SamplePoisnOutputStatsImp::fillPosterior(const BSN1SamplePoisProir& posterior) {
-    modes = BSN1SampleDiscreteUtils::Sanitized(posterior.GetModeValues());
-    means = BSN1SampleDiscreteUtils::Sanitized(posterior.GetMeanValues());
-    variances = BSN1SampleDiscreteUtils::Sanitized(posterior.GetVarianceValues());
-    lowerLimits = BSN1SampleDiscreteUtils::Sanitized(posterior.GetLowerLimits());
-    upperLimits = BSN1SampleDiscreteUtils::Sanitized(posterior.GetUpperLimits());
+void BSN1SamplePoisnOutputStatsImp::fillParams(const BSN1SamplePoisProir& posterior) {
     const auto sanitizePair = [](const std::pair<double, double>& p) {
         return std::make_pair(MCMV::Sanitize(p.first), MCMV::Sanitize(p.second));
     };
-    for (std::size_t i = 0; i < posteriorParams.size(); ++i) {
+    for (std::size_t i = 0; i < Size(); ++i) {
         posteriorParams[i] = sanitizePair(posterior.GetPosteriorParams()[i]);
         likelihoodParams[i] = sanitizePair(posterior.GetLikelihoodParams()[i]);
     }
@@ -134,7 +120,7 @@ void BSN1SamplePoisnOutputStatsImp::ComputePlots() {
     const double a = settings.GetPriorParam1();
     const double b = settings.GetPriorParam2();
     const bool properPrior = !MCMV::IsMissing(a) && !MCMV::IsMissing(b) && a > 0.0 && b > 0.0;
-    for (std::size_t i = 0; i < varIndices.size(); ++i) {
+    for (std::size_t i = 0; i < Size(); ++i) {
         const double N = -likelihoodParams[i].first;
         const double S = likelihoodParams[i].second;
         if (MCMV::IsMissing(N) || MCMV::IsMissing(S) || !(N > 0.0)) continue;
@@ -211,17 +197,10 @@ void BSN1SamplePoisnOutputStats::Display(std::ostream& os) const {
     DisplayText(0, "BSN1SamplePoisnOutputStats display start");
     BSNComponentDisplay::DisplayC("Model Type", GetModelType());
     BSNComponentDisplay::DisplayC("Output Type", GetOutputType());
-    DisplayIV("Variable indices", d.varIndices);
-    DisplayDV("Bayes factors", d.bayesFactors);
-    DisplayBV("Is log Bayes factor", d.isLogBayesFactor);
-    DisplayDV("Ns", d.ns);
+    d.DisplayFactors();
     DisplayDV("Min counts", d.minCnts);
     DisplayDV("Max counts", d.maxCnts);
-    DisplayDV("Mode values", d.modes);
-    DisplayDV("Mean values", d.means);
-    DisplayDV("Variance values", d.variances);
-    DisplayDV("Lower limits", d.lowerLimits);
-    DisplayDV("Upper limits", d.upperLimits);
+    d.DisplaySummaries();
     DisplayVPD("Posterior parameters", d.posteriorParams);
     DisplayVPD("Likelihood parameters", d.likelihoodParams);
     DisplayDVV("Plot arguments for likelihoods", d.likelihoodArgs);
