@@ -9,7 +9,7 @@ namespace MCBSN_850 {
 
 namespace {
 
-std::unique_ptr<BSNAlgorithm> createProcedure(const BSNSettings& settings, const MCXML_850::MCVarList& /*varList*/) {
+std::unique_ptr<BSNAlgorithm> createProcedure(const BSNSettings& settings, const MCXML_850::MCVarList& varList) {
     switch (settings.GetModelType()) {
     case BSNConst::OneSample:
         switch (settings.GetTestDistType()) {
