@@ -2,14 +2,21 @@
 
 #include <ostream>
 
+#include "bsn/onesample/bsn1samplebinomial.h"
+#include "bsn/onesample/bsn1samplepoisson.h"
+
 namespace MCBSN_850 {
 
 namespace {
 
-std::unique_ptr<BSNAlgorithm> createProcedure(const BSNSettings& settings, const MCXML_850::MCVarList& /*varList*/) {
+std::unique_ptr<BSNAlgorithm> createProcedure(const BSNSettings& settings, const MCXML_850::MCVarList& varList) {
     switch (settings.GetModelType()) {
     case BSNConst::OneSample:
         switch (settings.GetTestDistType()) {
+        case BSNConst::Binomial:
+            return std::make_unique<BSN1SampleBinomial>(settings, varList);
+        case BSNConst::Poisson:
+            return std::make_unique<BSN1SamplePoisson>(settings, varList);
         default:
             return nullptr;
         }
