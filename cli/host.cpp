@@ -294,7 +294,7 @@ void writeJson(const RunOptions& options, const Outcome& outcome, std::ostream& 
     doc["warnings"] = warnings;
     doc["model_built"] = outcome.built;
     doc["results"] = outcome.haveResults ? outcome.view.getters : ordered_json(nullptr);
-    const std::string text = doc.dump(2) + "\n";
+    const std::string text = DumpJson(doc) + "\n";
     if (options.jsonPath == "-") {
         out << text << std::flush;
         return;

@@ -5,9 +5,11 @@ namespace bsncli {
 // One case per result kind that has an adapter.
 bool DescribeResult(const MCBSN_850::BSNOutputStats& result, const DataInfo& data, ResultView& view) {
     switch (result.GetOutputType()) {
+    case MCBSN_850::BSNConst::Output1SampleBinomial:
+        return DescribeBinomial(result, data, view);
+    case MCBSN_850::BSNConst::Output1SamplePoisson:
+        return DescribePoisson(result, data, view);
     default:
-        (void)data;
-        (void)view;
         return false;
     }
 }

@@ -45,13 +45,13 @@ void DescribeNormalLike(const Result& r, const DataInfo& data, const std::vector
     basic.AddColumn("Std. error", FormatNumbers(r.GetEMs(), rows));
     basic.AddColumn("df", FormatNumbers(r.GetDFValues(), rows));
     view.tables.push_back(basic);
-    if (!r.GetBayesFactors().empty() || !r.GetTValues().empty()) {
+    if (WantsFactors(r.GetSettings())) {
         TextTable test = BayesFactorTable("t test and Bayes factor", names, r.GetBayesFactors(), {});
         test.AddColumn("t", FormatNumbers(r.GetTValues(), rows));
         test.AddColumn("Sig. (2-tailed)", FormatNumbers(r.GetSigs(), rows));
         view.tables.push_back(test);
     }
-    if (!r.GetPostMeanValues().empty())
+    if (WantsPosterior(r.GetSettings()))
         view.tables.push_back(PosteriorTable(posteriorTitle, names, r.GetSettings().GetCILevel(), r.GetModeValues(),
                                              r.GetPostMeanValues(), r.GetVarianceValues(), r.GetLowerLimits(),
                                              r.GetUpperLimits()));

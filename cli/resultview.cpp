@@ -142,6 +142,14 @@ void AddPlots(ResultView& view, const std::vector<std::string>& names, const std
     }
 }
 
+bool WantsFactors(const MCBSN_850::BSNSettings& settings) {
+    return settings.GetAnalysType() != MCBSN_850::BSNConst::Posterior;
+}
+
+bool WantsPosterior(const MCBSN_850::BSNSettings& settings) {
+    return settings.GetAnalysType() != MCBSN_850::BSNConst::BayesFactor;
+}
+
 // --- JSON -----------------------------------------------------------------------
 
 namespace {
@@ -176,6 +184,36 @@ ordered_json ToJson(const std::vector<std::pair<double, double>>& values) {
 
 ordered_json ToJson(const MCBSN_850::BSNSettings& settings, const DataInfo& data) {
     return SettingsToJson(settings, data.columns);
+}
+
+namespace {
+bool isFlatArray(const ordered_json& j) {
+    return j.is_array() && std::none_of(j.begin(), j.end(), [](const ordered_json& e) { return e.is_structured(); });
+}
+} // namespace
+
+std::string DumpJson(const ordered_json& value, int indent) {
+    const std::string inner(static_cast<std::size_t>(indent) + 2, ' '), outer(static_cast<std::size_t>(indent), ' ');
+    if (isFlatArray(value)) {
+        std::string out = "[";
+        for (std::size_t i = 0; i < value.size(); ++i) out += (i ? ", " : "") + value[i].dump();
+        return out + "]";
+    }
+    if (value.is_array()) {
+        std::string out = "[\n";
+        for (std::size_t i = 0; i < value.size(); ++i)
+            out += inner + DumpJson(value[i], indent + 2) + (i + 1 < value.size() ? ",\n" : "\n");
+        return out + outer + "]";
+    }
+    if (value.is_object() && !value.empty()) {
+        std::string out = "{\n";
+        std::size_t i = 0;
+        for (auto it = value.begin(); it != value.end(); ++it, ++i)
+            out += inner + ordered_json(it.key()).dump() + ": " + DumpJson(it.value(), indent + 2) +
+                   (i + 1 < value.size() ? ",\n" : "\n");
+        return out + outer + "}";
+    }
+    return value.dump();
 }
 
 void PutCommonGetters(const MCBSN_850::BSNOutputStats& result, const MCBSN_850::BSNSettings& settings,

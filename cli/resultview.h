@@ -103,6 +103,14 @@ void AddPlots(ResultView& view, const std::vector<std::string>& names, const std
               const Curves& argsPrior, const Curves& argsPosterior, const Curves& logLikelihoods,
               const Curves& priors, const Curves& posteriors);
 
+// Whether the settings asked for Bayes factors, and for a posterior.
+bool WantsFactors(const MCBSN_850::BSNSettings& settings);
+bool WantsPosterior(const MCBSN_850::BSNSettings& settings);
+
+// The JSON text the host writes: objects one key per line, arrays of
+// numbers on one line each, so curves stay readable.
+std::string DumpJson(const nlohmann::ordered_json& value, int indent = 0);
+
 // Fills the view from whichever result class the object is; false for a
 // result kind the host has no adapter for.
 bool DescribeResult(const MCBSN_850::BSNOutputStats& result, const DataInfo& data, ResultView& view);

@@ -1,7 +1,6 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
-#include <regex>
 #include <sstream>
 #include <string>
 #include <vector>
@@ -28,10 +27,11 @@ int count(const std::string& text, const std::string& what) {
 // The "x,y" pairs of every polyline, in document order.
 std::vector<std::vector<std::pair<double, double>>> polylines(const std::string& svg) {
     std::vector<std::vector<std::pair<double, double>>> out;
-    const std::regex line("points=\"([^\"]*)\"");
-    for (std::sregex_iterator it(svg.begin(), svg.end(), line), end; it != end; ++it) {
+    const std::string key = "points=\"";
+    for (std::size_t p = svg.find(key); p != std::string::npos; p = svg.find(key, p + 1)) {
+        const std::size_t start = p + key.size();
         std::vector<std::pair<double, double>> pts;
-        std::istringstream in((*it)[1].str());
+        std::istringstream in(svg.substr(start, svg.find('"', start) - start));
         std::string pair;
         while (in >> pair) {
             const auto comma = pair.find(',');
@@ -159,4 +159,14 @@ TEST(ResultTables, LogFactorsMissingCellsAndAlignment) {
     table.Print(bf);
     EXPECT_NE(bf.str().find("exp(1000)"), std::string::npos);
     EXPECT_NE(bf.str().find("natural logarithm"), std::string::npos);
+}
+
+TEST(ResultTables, JsonTextReadsBackAsWritten) {
+    const auto doc = nlohmann::ordered_json::parse(
+        R"({"z": 1, "a": {"s": "q\"uote", "e": [], "o": {}, "n": [1.5, null, -2e-300]},
+            "curves": [[0.1, 0.2], [], [null]], "mixed": [{"k": true}, [1, [2]]]})");
+    const std::string text = bsncli::DumpJson(doc);
+    EXPECT_EQ(nlohmann::ordered_json::parse(text), doc);
+    EXPECT_NE(text.find("\"n\": [1.5, null, -2e-300]"), std::string::npos) << text;
+    EXPECT_EQ(text.find("\"z\""), 4u);  // keys keep their order
 }
