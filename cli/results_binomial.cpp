@@ -7,22 +7,14 @@ namespace bsncli {
 bool DescribeBinomial(const MCBSN_850::BSNOutputStats& base, const DataInfo& data, ResultView& view) {
     const auto* r = dynamic_cast<const MCBSN_850::BSN1SampleBinoOutputStats*>(&base);
     if (r == nullptr) return false;
-    PutCommonGetters(*r, r->GetSettings(), data, view);
+    PutDiscreteHeadGetters(*r, data, view);
     auto& j = view.getters;
-    j["GetVarIndices"] = ToJson(r->GetVarIndices());
-    j["GetBayesFactors"] = ToJson(r->GetBayesFactors());
-    j["GetIsLogBayesFactor"] = ToJson(r->GetIsLogBayesFactor());
-    j["GetNs"] = ToJson(r->GetNs());
     j["GetCat1Indices"] = ToJson(r->GetCat1Indices());
     j["GetCat1Ns"] = ToJson(r->GetCat1Ns());
     j["GetCat2Ns"] = ToJson(r->GetCat2Ns());
     j["GetCat1Props"] = ToJson(r->GetCat1Props());
     j["GetCat2Props"] = ToJson(r->GetCat2Props());
-    j["GetModeValues"] = ToJson(r->GetModeValues());
-    j["GetMeanValues"] = ToJson(r->GetMeanValues());
-    j["GetVarianceValues"] = ToJson(r->GetVarianceValues());
-    j["GetLowerLimits"] = ToJson(r->GetLowerLimits());
-    j["GetUpperLimits"] = ToJson(r->GetUpperLimits());
+    PutDiscreteSummaryGetters(*r, view);
     j["GetPlotArguments"] = ToJson(r->GetPlotArguments());
     j["GetPlotLikelihoods"] = ToJson(r->GetPlotLikelihoods());
     j["GetPlotPrior"] = ToJson(r->GetPlotPrior());

@@ -7,19 +7,11 @@ namespace bsncli {
 bool DescribePoisson(const MCBSN_850::BSNOutputStats& base, const DataInfo& data, ResultView& view) {
     const auto* r = dynamic_cast<const MCBSN_850::BSN1SamplePoisnOutputStats*>(&base);
     if (r == nullptr) return false;
-    PutCommonGetters(*r, r->GetSettings(), data, view);
+    PutDiscreteHeadGetters(*r, data, view);
     auto& j = view.getters;
-    j["GetVarIndices"] = ToJson(r->GetVarIndices());
-    j["GetBayesFactors"] = ToJson(r->GetBayesFactors());
-    j["GetIsLogBayesFactor"] = ToJson(r->GetIsLogBayesFactor());
-    j["GetNs"] = ToJson(r->GetNs());
     j["GetMinCnts"] = ToJson(r->GetMinCnts());
     j["GetMaxCnts"] = ToJson(r->GetMaxCnts());
-    j["GetModeValues"] = ToJson(r->GetModeValues());
-    j["GetMeanValues"] = ToJson(r->GetMeanValues());
-    j["GetVarianceValues"] = ToJson(r->GetVarianceValues());
-    j["GetLowerLimits"] = ToJson(r->GetLowerLimits());
-    j["GetUpperLimits"] = ToJson(r->GetUpperLimits());
+    PutDiscreteSummaryGetters(*r, view);
     j["GetPosteriorParams"] = ToJson(r->GetPosteriorParams());
     j["GetLikelihoodParams"] = ToJson(r->GetLikelihoodParams());
     j["GetPlotArguments4Likelihoods"] = ToJson(r->GetPlotArguments4Likelihoods());
