@@ -47,6 +47,7 @@ const char* const kSettingsRules = R"(SETTINGS FILE
   - Test variables: a one-sample binomial test reads Factors (values 0/1, or
     k for k successes in one trial), Poisson and normal tests read
     Covariates, related samples pair Covariates[i] with 2ndRelatedList[i].
+  - NCases, when left out, is the number of records in the data file.
   - FactorSizes and FullModFactorSizes may be left out: they are then the
     number of categories found in each coded factor (2 for binomial test
     variables).

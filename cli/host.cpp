@@ -7,6 +7,7 @@
 #include <chrono>
 #include <fstream>
 #include <iostream>
+#include <limits>
 #include <memory>
 #include <sstream>
 
@@ -316,10 +317,14 @@ int runChecked(const RunOptions& options, std::ostream& out, std::ostream& err) 
     const std::vector<int> used = UsedColumns(settings);
     const std::vector<int> nominal = NominalColumns(settings);
     MCCommon_850::CsvRecordIter iter(options.dataPath, used, nominal);
+    if (options.progress) err << fmt::format("bsn: checking {} ...", options.dataPath) << std::flush;
     const MCCommon_850::CsvScanResult scan = iter.Scan();
+    if (options.progress) err << "\r\033[K" << std::flush;
     if (!scan.error.empty()) throw InputError(scan.error);
     const DataInfo data = describeData(columns, nominal, scan);
     fillFactorSizes(settings, given, scan);
+    if (std::find(given.begin(), given.end(), "NCases") == given.end())
+        settings.SetNCases(static_cast<int>(std::min<long long>(scan.nRecords, std::numeric_limits<int>::max())));
 
     Outcome outcome;
     outcome.status = settings.IsValidSettings();

@@ -204,6 +204,7 @@ TEST(Host, BinomialRunMatchesClosedForms) {
     EXPECT_EQ(r["GetSettings"]["Factors"], json({"y1", "y2", "y3"}));
     EXPECT_EQ(r["GetSettings"]["FrequencyWeightVar"], "w");
     EXPECT_TRUE(r["GetSettings"]["MeanDistParam1"].is_null());
+    EXPECT_EQ(r["GetSettings"]["NCases"], 6);  // the records of the file, when the settings leave it out
 
     // By hand: y1 has n = 2+1+3+2 = 8 trials and x = 5 successes; y2 has n = 7, x = 5.
     const double n[2] = {8, 7}, x[2] = {5, 5}, a1[2] = {1, 0.5};
