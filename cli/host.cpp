@@ -306,74 +306,91 @@ void writeJson(const RunOptions& options, const Outcome& outcome, std::ostream& 
     if (!file) throw InputError(fmt::format("--json: cannot write '{}'", options.jsonPath));
 }
 
-int runChecked(const RunOptions& options, std::ostream& out, std::ostream& err) {
+// Everything read from the two input files, checked.
+struct Inputs {
+    BSNSettings settings;
+    DataInfo data;
+    std::unique_ptr<MCCommon_850::CsvRecordIter> iter;
+    long long nRecords = 0;
+};
+
+Inputs loadInputs(const RunOptions& options, std::ostream& err) {
+    Inputs in;
     const nlohmann::json settingsJson = readSettingsFile(options.settingsPath);
     std::vector<std::string> columns;
     if (std::string e = MCCommon_850::ReadCsvHeader(options.dataPath, columns); !e.empty()) throw InputError(e);
     std::vector<std::string> given;
-    BSNSettings settings = SettingsFromJson(settingsJson, columns, &given);
-    requireProcedure(settings);
+    in.settings = SettingsFromJson(settingsJson, columns, &given);
+    requireProcedure(in.settings);
 
-    const std::vector<int> used = UsedColumns(settings);
-    const std::vector<int> nominal = NominalColumns(settings);
-    MCCommon_850::CsvRecordIter iter(options.dataPath, used, nominal);
+    const std::vector<int> nominal = NominalColumns(in.settings);
+    in.iter = std::make_unique<MCCommon_850::CsvRecordIter>(options.dataPath, UsedColumns(in.settings), nominal);
     if (options.progress) err << fmt::format("bsn: checking {} ...", options.dataPath) << std::flush;
-    const MCCommon_850::CsvScanResult scan = iter.Scan();
+    const MCCommon_850::CsvScanResult scan = in.iter->Scan();
     if (options.progress) err << "\r\033[K" << std::flush;
     if (!scan.error.empty()) throw InputError(scan.error);
-    const DataInfo data = describeData(columns, nominal, scan);
-    fillFactorSizes(settings, given, scan);
+    in.nRecords = scan.nRecords;
+    in.data = describeData(columns, nominal, scan);
+    fillFactorSizes(in.settings, given, scan);
     if (std::find(given.begin(), given.end(), "NCases") == given.end())
-        settings.SetNCases(static_cast<int>(std::min<long long>(scan.nRecords, std::numeric_limits<int>::max())));
+        in.settings.SetNCases(static_cast<int>(std::min<long long>(scan.nRecords, std::numeric_limits<int>::max())));
+    return in;
+}
 
+// Builds the model on checked settings, with cancellation by Ctrl-C (unless
+// the caller brings its own cancel query) and progress on a terminal.
+void buildModel(const RunOptions& options, Inputs& in, std::ostream& err, Outcome& outcome) {
+    BSNComponent component(in.settings, in.data.varList);
+    MCCommon_850::MCAtomicCancel ownCancel;
+    std::unique_ptr<InterruptGuard> interrupt;
+    if (options.cancel == nullptr) interrupt = std::make_unique<InterruptGuard>(&ownCancel);
+    component.SetCancelPtr(options.cancel != nullptr ? options.cancel : &ownCancel);
+    std::unique_ptr<TerminalProgress> progress;
+    if (options.progress) {
+        progress = std::make_unique<TerminalProgress>(err, in.nRecords);
+        component.SetProgressListener(progress.get());
+    }
+    component.BuildModel(*in.iter);
+    progress.reset();
+    interrupt.reset();
+    // Results computed from a file that failed half way must not be shown.
+    if (const std::string failure = in.iter->GetSourceError(); !failure.empty()) throw InputError(failure);
+
+    outcome.status = component.GetStatus();
+    for (const MCStatus& w : component.GetWarningMessages()) outcome.warnings.push_back(w);
+    outcome.built = component.IsModelBuilt();
+    if (const auto* result = component.GetOutputStats(); result != nullptr && outcome.built) {
+        outcome.haveResults = DescribeResult(*result, in.data, outcome.view);
+        if (!outcome.haveResults)
+            err << fmt::format("bsn: note: no report for result kind {} ({})\n",
+                               static_cast<int>(result->GetOutputType()), EnumWord(result->GetOutputType()));
+    }
+}
+
+int runChecked(const RunOptions& options, std::ostream& out, std::ostream& err) {
+    Inputs in = loadInputs(options, err);
     Outcome outcome;
-    outcome.status = settings.IsValidSettings();
+    outcome.status = in.settings.IsValidSettings();
     const bool refused = outcome.status.IsError();
-    const std::vector<MCStatus> validationWarnings = settings.GetWarningMessages().GetAll();
-    outcome.warnings = validationWarnings;
+    outcome.warnings = in.settings.GetWarningMessages().GetAll();
+    const std::size_t nValidationWarnings = outcome.warnings.size();
+    if (!refused) buildModel(options, in, err, outcome);
+
     const bool jsonOnOut = options.jsonPath == "-";
     std::ostream& report = jsonOnOut ? err : out;
-
-    if (!refused) {
-        BSNComponent component(settings, data.varList);
-        MCCommon_850::MCAtomicCancel ownCancel;
-        std::unique_ptr<InterruptGuard> interrupt;
-        if (options.cancel == nullptr) interrupt = std::make_unique<InterruptGuard>(&ownCancel);
-        component.SetCancelPtr(options.cancel != nullptr ? options.cancel : &ownCancel);
-        std::unique_ptr<TerminalProgress> progress;
-        if (options.progress) {
-            progress = std::make_unique<TerminalProgress>(err, scan.nRecords);
-            component.SetProgressListener(progress.get());
-        }
-        component.BuildModel(iter);
-        progress.reset();
-        interrupt.reset();
-        if (const std::string failure = iter.GetSourceError(); !failure.empty()) throw InputError(failure);
-
-        outcome.status = component.GetStatus();
-        for (const MCStatus& w : component.GetWarningMessages()) outcome.warnings.push_back(w);
-        outcome.built = component.IsModelBuilt();
-        if (const auto* result = component.GetOutputStats(); result != nullptr && outcome.built) {
-            outcome.haveResults = DescribeResult(*result, data, outcome.view);
-            if (!outcome.haveResults)
-                err << fmt::format("bsn: note: no report for result kind {} ({})\n",
-                                   static_cast<int>(result->GetOutputType()), EnumWord(result->GetOutputType()));
-        }
-    }
-
-    if (!options.quiet && !jsonOnOut) {
-        std::string what = EnumWord(settings.GetModelType());
-        if (settings.GetModelType() == C::OneSample) what += " " + EnumWord(settings.GetTestDistType());
-        out << fmt::format("bsn: {} analysis of {} ({} records)\n\n", what, options.dataPath, scan.nRecords);
+    if (!options.quiet && !jsonOnOut && !refused) {
+        const BSNSettings& s = in.settings;
+        std::string what = EnumWord(s.GetModelType());
+        if (s.GetModelType() == C::OneSample) what += " " + EnumWord(s.GetTestDistType());
+        out << fmt::format("bsn: {} analysis of {} ({} records)\n\n", what, options.dataPath, in.nRecords);
         for (const TextTable& t : outcome.view.tables) t.Print(out);
     }
-    printStatusAndWarnings(report, outcome, validationWarnings.size(), settings, data);
+    printStatusAndWarnings(report, outcome, nValidationWarnings, in.settings, in.data);
     if (!options.jsonPath.empty()) writeJson(options, outcome, out);
     if (!options.plotsDir.empty() && outcome.haveResults) {
         const auto written = WritePlots(outcome.view.plots, options.plotsDir);
         if (!options.quiet) report << fmt::format("Plots: {} file(s) in {}\n", written.size(), options.plotsDir);
     }
-
     if (refused) {
         err << fmt::format("bsn: error: the settings were refused: {}\n", StatusMessage(outcome.status.GetCode()));
         return kExitBadInput;
