@@ -2,6 +2,9 @@
 
 #include <ostream>
 
+#include "bsn/onesample/bsn1samplenormal.h"
+#include "bsn/twosample/bsn2samplerelated.h"
+
 namespace MCBSN_850 {
 
 namespace {
@@ -10,9 +13,13 @@ std::unique_ptr<BSNAlgorithm> createProcedure(const BSNSettings& settings, const
     switch (settings.GetModelType()) {
     case BSNConst::OneSample:
         switch (settings.GetTestDistType()) {
+        case BSNConst::Normal:
+            return std::make_unique<BSN1SampleNormal>(settings, varList);
         default:
             return nullptr;
         }
+    case BSNConst::Related:
+        return std::make_unique<BSN2SampleRelated>(settings, varList);
     default:
         return nullptr;
     }
