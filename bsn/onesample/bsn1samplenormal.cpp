@@ -125,19 +125,7 @@ MCStatus BSN1SampleNormal::GenerateOutput() {
         m_tValues = m_factor->getTtest();
         m_sigs = m_factor->getSig();
     }
-    if (m_inference) {
-        m_modes = m_inference->getModeValues();
-        m_postMeans = m_inference->getPostMeanValues();
-        m_variances = m_inference->getVariances();
-        m_lowerLimits = m_inference->getLowerimits();
-        m_upperLimits = m_inference->getUpperLimits();
-        m_argsLikelihood = m_inference->GetPlotArguments4Likelihoods();
-        m_argsPrior = m_inference->GetPlotArguments4Prior();
-        m_argsPosterior = m_inference->GetPlotArguments4Posterior();
-        m_likelihoods = m_inference->GetPlotLikelihoods();
-        m_posteriors = m_inference->GetPlotPosterior();
-        m_priors = m_inference->GetPlotPrior();
-    }
+    if (m_inference) m_posterior = m_inference->GetResults();
     if (!m_outputStats) m_outputStats = std::make_unique<BSN1SampleNormOutputStats>(m_settings, *this);
     return {};
 }
@@ -146,7 +134,9 @@ void BSN1SampleNormal::Display(std::ostream& os) const {
     using namespace MCDisplay_850;
     StreamGuard guard(os);
     DisplayText(0, "BSN1SampleNormal display start");
-    m_settings.Display(os);
+    BSNComponentDisplay::DisplayC("Analysis Type", m_settings.GetAnalysType());
+    DisplayIV("Test Variables", m_settings.GetCovariates());
+    DisplayI("Frequency Weight", m_settings.GetFrequencyWeightVar());
     DisplayB("Model Built", m_modelBuilt);
     BSNComponentDisplay::DisplayStatus("Status", m_status);
     BSNComponentDisplay::DisplayVStatus("Warnings", m_warnings.GetAll());
@@ -159,17 +149,7 @@ void BSN1SampleNormal::Display(std::ostream& os) const {
     DisplayDV("Bayes Factors", m_factors);
     DisplayDV("T Values", m_tValues);
     DisplayDV("Significances", m_sigs);
-    DisplayDV("Mode Values", m_modes);
-    DisplayDV("Posterior Mean Values", m_postMeans);
-    DisplayDV("Variances", m_variances);
-    DisplayDV("Lower Limits", m_lowerLimits);
-    DisplayDV("Upper Limits", m_upperLimits);
-    DisplayDVV("Plot Arguments for LogLikelihoods", m_argsLikelihood);
-    DisplayDVV("Plot Arguments for Prior", m_argsPrior);
-    DisplayDVV("Plot Arguments for Posterior", m_argsPosterior);
-    DisplayDVV("Plot LogLikelihoods", m_likelihoods);
-    DisplayDVV("Plot Posterior", m_posteriors);
-    DisplayDVV("Plot Prior", m_priors);
+    m_posterior.Display();
     if (m_factor) m_factor->Display(os);
     if (m_inference) m_inference->Display(os);
     if (m_outputStats) m_outputStats->Display(os);

@@ -39,17 +39,17 @@ public:
     const std::vector<double>& GetDfs() const { return m_dfs; }
     const std::vector<double>& GetNs() const { return m_ns; }
     const std::vector<double>& GetSigs() const { return m_sigs; }
-    const std::vector<double>& getModeValues() const { return m_modes; }
-    const std::vector<double>& getPostMeanValues() const { return m_postMeans; }
-    const std::vector<double>& getVariances() const { return m_variances; }
-    const std::vector<double>& getLowerimits() const { return m_lowerLimits; }
-    const std::vector<double>& getUpperLimits() const { return m_upperLimits; }
-    const Curves& GetPlotArguments4Likelihoods() const { return m_argsLikelihood; }
-    const Curves& GetPlotArguments4Prior() const { return m_argsPrior; }
-    const Curves& GetPlotArguments4Posterior() const { return m_argsPosterior; }
-    const Curves& GetPlotLikelihoods() const { return m_likelihoods; }
-    const Curves& GetPlotPosterior() const { return m_posteriors; }
-    const Curves& GetPlotPrior() const { return m_priors; }
+    const std::vector<double>& getModeValues() const { return m_posterior.modes; }
+    const std::vector<double>& getPostMeanValues() const { return m_posterior.postMeans; }
+    const std::vector<double>& getVariances() const { return m_posterior.variances; }
+    const std::vector<double>& getLowerimits() const { return m_posterior.lowerLimits; }
+    const std::vector<double>& getUpperLimits() const { return m_posterior.upperLimits; }
+    const Curves& GetPlotArguments4Likelihoods() const { return m_posterior.argsLikelihood; }
+    const Curves& GetPlotArguments4Prior() const { return m_posterior.argsPrior; }
+    const Curves& GetPlotArguments4Posterior() const { return m_posterior.argsPosterior; }
+    const Curves& GetPlotLikelihoods() const { return m_posterior.likelihoods; }
+    const Curves& GetPlotPosterior() const { return m_posterior.posteriors; }
+    const Curves& GetPlotPrior() const { return m_posterior.priors; }
 
     // The steps of BuildModel, public so that each can be exercised alone.
     // Sizes the per-variable storage; error 410004 without test variables.
@@ -81,17 +81,7 @@ private:
     std::vector<double> m_factors;
     std::vector<double> m_tValues;
     std::vector<double> m_sigs;
-    std::vector<double> m_modes;
-    std::vector<double> m_postMeans;
-    std::vector<double> m_variances;
-    std::vector<double> m_lowerLimits;
-    std::vector<double> m_upperLimits;
-    Curves m_argsLikelihood;
-    Curves m_argsPrior;
-    Curves m_argsPosterior;
-    Curves m_likelihoods;
-    Curves m_posteriors;
-    Curves m_priors;
+    BSN1SampleNormalInference::Results m_posterior;
 };
 
 } // namespace MCBSN_850

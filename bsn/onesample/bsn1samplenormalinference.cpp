@@ -41,9 +41,10 @@ MCStatus BSN1SampleNormalInference::BuildModel() {
     const std::size_t nVars = m_varIndices.size();
     if (nVars == 0) return MCStatus(410004, false);
 
-    for (auto* v : {&m_modes, &m_postMeans, &m_variances, &m_lowerLimits, &m_upperLimits})
+    Results& r = m_results;
+    for (auto* v : {&r.modes, &r.postMeans, &r.variances, &r.lowerLimits, &r.upperLimits})
         v->assign(nVars, MCMV::Missing());
-    for (auto* c : {&m_argsLikelihood, &m_argsPrior, &m_argsPosterior, &m_likelihoods, &m_posteriors, &m_priors})
+    for (auto* c : {&r.argsLikelihood, &r.argsPrior, &r.argsPosterior, &r.likelihoods, &r.posteriors, &r.priors})
         c->assign(nVars, {});
 
     const std::vector<double>& knownVars = m_settings.GetDataVarVals();
@@ -113,17 +114,9 @@ void BSN1SampleNormalInference::computeDiffuse(int i) {
     // p(mu, sigma^2) flat: the marginal posterior of mu is a t with N - 3
     // degrees of freedom around the sample mean.
     const double nu = n - 3.0;
-    const double s2 = s * s;
-    const double scale2 = s2 * (n - 1.0) / (n * (n - 3.0));
-    double lower = MCMV::Missing(), upper = MCMV::Missing();
-    BSN1SampleNormalUtils::ComputeCIT(m_alpha, m, scale2, nu, lower, upper);
-    storeResults(i, m, m, nu / (nu - 2.0) * scale2, lower, upper);
-
-    normalPlotArguments(i, m, s2, m_argsLikelihood);
-    calculateLogLikelihood(i);
+    const double scale2 = s * s * (n - 1.0) / (n * (n - 3.0));
+    tPosterior(i, m, scale2, nu, nu / (nu - 2.0) * scale2);
     flatPrior(i);
-    tPlotArguments(i, m, scale2, nu, m_argsPosterior);
-    calculatePosteriorCurvT(i, nu, m, scale2);
 }
 
 void BSN1SampleNormalInference::computeJeffrey(int i) {
@@ -143,32 +136,16 @@ void BSN1SampleNormalInference::computeJeffrey(int i) {
         // p(sigma^2) ~ 1/sigma^4
         nu = n + 1.0;
     }
-    const double s2 = s * s;
-    const double scale2 = s2 * (n - 1.0) / (n * nu);
-    double lower = MCMV::Missing(), upper = MCMV::Missing();
-    BSN1SampleNormalUtils::ComputeCIT(m_alpha, m, scale2, nu, lower, upper);
-    storeResults(i, m, m, nu / (nu - 2.0) * scale2, lower, upper);
-
-    normalPlotArguments(i, m, s2, m_argsLikelihood);
-    calculateLogLikelihood(i);
+    const double scale2 = s * s * (n - 1.0) / (n * nu);
+    tPosterior(i, m, scale2, nu, nu / (nu - 2.0) * scale2);
     flatPrior(i);
-    tPlotArguments(i, m, scale2, nu, m_argsPosterior);
-    calculatePosteriorCurvT(i, nu, m, scale2);
 }
 
 void BSN1SampleNormalInference::computeDiffuseVar(double variance, int i) {
     const double n = m_ns[i], m = m_means[i];
     if (!present(n) || !present(m) || !present(variance) || n < 2.0 || variance <= 0.0) return;
-    const double postVar = variance / n;
-    double lower = MCMV::Missing(), upper = MCMV::Missing();
-    BSN1SampleNormalUtils::ComputeCINormal(m_alpha, m, postVar, lower, upper);
-    storeResults(i, m, m, postVar, lower, upper);
-
-    normalPlotArguments(i, m, variance, m_argsLikelihood);
-    calculateLogLikelihoodKnownVar(i, variance);
+    normalPosterior(i, variance, m, variance / n);
     flatPrior(i);
-    normalPlotArguments(i, m, postVar, m_argsPosterior);
-    calculateNormalCurve(m, postVar, m_argsPosterior[i], m_posteriors[i]);
 }
 
 // ---------------------------------------------------------------------------
@@ -190,34 +167,28 @@ void BSN1SampleNormalInference::computeNormalInvGam(int i) {
     common134_135(i, 2.0 * a, 2.0 * b / (2.0 * a));
 }
 
-void BSN1SampleNormalInference::common134_135(int i, double nu0, double s02) {
-    const double mu0 = m_settings.GetMeanDistParam1();
-    const double kappa0 = present(m_settings.GetKappaValue()) ? m_settings.GetKappaValue() : 1.0;
-    const double n = m_ns[i], m = m_means[i], s = m_stdDevs[i];
-    if (!present(mu0) || !present(n) || !present(m) || !present(s) || n < 2.0 || s <= 0.0) return;
+bool BSN1SampleNormalInference::conjugateInputs(int i, double& mu0, double& kappa0) const {
+    mu0 = m_settings.GetMeanDistParam1();
+    kappa0 = present(m_settings.GetKappaValue()) ? m_settings.GetKappaValue() : 1.0;
+    const double n = m_ns[i], s = m_stdDevs[i];
+    return present(mu0) && present(n) && present(m_means[i]) && present(s) && n >= 2.0 && s > 0.0;
+}
 
-    const double s2 = s * s;
+void BSN1SampleNormalInference::common134_135(int i, double nu0, double s02) {
+    double mu0 = 0.0, kappa0 = 0.0;
+    if (!conjugateInputs(i, mu0, kappa0)) return;
+    const double n = m_ns[i], m = m_means[i], s = m_stdDevs[i];
     const double nun = n + nu0;
     const double kappan = n + kappa0;
     const double mun = kappa0 * mu0 / kappan + n * m / kappan;
     const double dev = m - mu0;
-    const double sn2 = (nu0 * s02 + (n - 1.0) * s2 + n * kappa0 * dev * dev / kappan) / nun;
+    const double sn2 = (nu0 * s02 + (n - 1.0) * s * s + n * kappa0 * dev * dev / kappan) / nun;
     // The t posterior has a variance only beyond 2 degrees of freedom.
     const double postVar = nun > 2.0 ? nun * sn2 / (nun - 2.0) / kappan : MCMV::Missing();
-    const double scale2 = sn2 / kappan;
-    double lower = MCMV::Missing(), upper = MCMV::Missing();
-    BSN1SampleNormalUtils::ComputeCIT(m_alpha, mun, scale2, nun, lower, upper);
-    storeResults(i, mun, mun, postVar, lower, upper);
-
-    normalPlotArguments(i, m, s2, m_argsLikelihood);
-    calculateLogLikelihood(i);
+    tPosterior(i, mun, sn2 / kappan, nun, postVar);
     // The prior of mu is drawn as a normal whose variance is the prior mode
     // of sigma^2 over kappa0.
-    const double w0 = nu0 * s02 / (nu0 + 2.0) / kappa0;
-    normalPlotArguments(i, mu0, w0, m_argsPrior);
-    calculateNormalCurve(mu0, w0, m_argsPrior[i], m_priors[i]);
-    tPlotArguments(i, mun, scale2, nun, m_argsPosterior);
-    calculatePosteriorCurvT(i, nun, mun, scale2);
+    normalPrior(i, mu0, nu0 * s02 / (nu0 + 2.0) / kappa0);
 }
 
 void BSN1SampleNormalInference::computeNormalGam(int i) {
@@ -236,34 +207,20 @@ void BSN1SampleNormalInference::computeNormalChiSqu(int i) {
 }
 
 void BSN1SampleNormalInference::common136_137(int i, double a0, double b0) {
-    const double mu0 = m_settings.GetMeanDistParam1();
-    const double kappa0 = present(m_settings.GetKappaValue()) ? m_settings.GetKappaValue() : 1.0;
+    double mu0 = 0.0, kappa0 = 0.0;
+    if (!conjugateInputs(i, mu0, kappa0)) return;
     const double n = m_ns[i], m = m_means[i], s = m_stdDevs[i];
-    if (!present(mu0) || !present(n) || !present(m) || !present(s) || n < 2.0 || s <= 0.0) return;
-
-    const double s2 = s * s;
     const double an = n / 2.0 + a0;
     const double kappan = n + kappa0;
     const double mun = kappa0 * mu0 / kappan + n * m / kappan;
     const double dev = m - mu0;
-    const double bn = b0 + (n - 1.0) * s2 / 2.0 + kappa0 * n * dev * dev / (2.0 * kappan);
+    const double bn = b0 + (n - 1.0) * s * s / 2.0 + kappa0 * n * dev * dev / (2.0 * kappan);
     const double postVar = an > 1.0 ? bn / (an - 1.0) / kappan : MCMV::Missing();
-    const double nu = 2.0 * an;
-    const double scale2 = bn / an / kappan;
-    double lower = MCMV::Missing(), upper = MCMV::Missing();
-    BSN1SampleNormalUtils::ComputeCIT(m_alpha, mun, scale2, nu, lower, upper);
-    storeResults(i, mun, mun, postVar, lower, upper);
-
-    normalPlotArguments(i, m, s2, m_argsLikelihood);
-    calculateLogLikelihood(i);
+    tPosterior(i, mun, bn / an / kappan, 2.0 * an, postVar);
     // A representative precision of the prior: its mode when there is one,
     // else its mean.
     const double p = a0 > 1.0 ? (a0 - 1.0) / b0 : a0 / b0;
-    const double w0 = 1.0 / (kappa0 * p);
-    normalPlotArguments(i, mu0, w0, m_argsPrior);
-    calculateNormalCurve(mu0, w0, m_argsPrior[i], m_priors[i]);
-    tPlotArguments(i, mun, scale2, nu, m_argsPosterior);
-    calculatePosteriorCurvT(i, nu, mun, scale2);
+    normalPrior(i, mu0, 1.0 / (kappa0 * p));
 }
 
 void BSN1SampleNormalInference::computeNormalVar(double variance, int i) {
@@ -275,28 +232,56 @@ void BSN1SampleNormalInference::computeNormalVar(double variance, int i) {
         return;
     const double taun2 = 1.0 / (1.0 / tau02 + n / variance);
     const double mun = (mu0 / tau02 + n * m / variance) * taun2;
-    double lower = MCMV::Missing(), upper = MCMV::Missing();
-    BSN1SampleNormalUtils::ComputeCINormal(m_alpha, mun, taun2, lower, upper);
-    storeResults(i, mun, mun, taun2, lower, upper);
-
-    normalPlotArguments(i, m, variance, m_argsLikelihood);
-    calculateLogLikelihoodKnownVar(i, variance);
-    normalPlotArguments(i, mu0, tau02, m_argsPrior);
-    calculateNormalCurve(mu0, tau02, m_argsPrior[i], m_priors[i]);
-    normalPlotArguments(i, mun, taun2, m_argsPosterior);
-    calculateNormalCurve(mun, taun2, m_argsPosterior[i], m_posteriors[i]);
+    normalPosterior(i, variance, mun, taun2);
+    normalPrior(i, mu0, tau02);
 }
 
 // ---------------------------------------------------------------------------
 // Results and curves
 
-void BSN1SampleNormalInference::storeResults(int i, double mode, double mean, double variance, double lower,
-                                             double upper) {
-    m_modes[i] = MCMV::Sanitize(mode);
-    m_postMeans[i] = MCMV::Sanitize(mean);
-    m_variances[i] = MCMV::Sanitize(variance);
-    m_lowerLimits[i] = MCMV::Sanitize(lower);
-    m_upperLimits[i] = MCMV::Sanitize(upper);
+void BSN1SampleNormalInference::tPosterior(int i, double centre, double scale2, double df, double variance) {
+    double lower = MCMV::Missing(), upper = MCMV::Missing();
+    BSN1SampleNormalUtils::ComputeCIT(m_alpha, centre, scale2, df, lower, upper);
+    Results& r = m_results;
+    r.modes[i] = r.postMeans[i] = MCMV::Sanitize(centre);
+    r.variances[i] = MCMV::Sanitize(variance);
+    r.lowerLimits[i] = MCMV::Sanitize(lower);
+    r.upperLimits[i] = MCMV::Sanitize(upper);
+    const double s = m_stdDevs[i];
+    normalPlotArguments(i, m_means[i], s * s, r.argsLikelihood);
+    calculateLogLikelihood(i);
+    tPlotArguments(i, centre, scale2, df, r.argsPosterior);
+    calculatePosteriorCurvT(i, df, centre, scale2);
+}
+
+void BSN1SampleNormalInference::normalPosterior(int i, double sigma2, double mean, double variance) {
+    double lower = MCMV::Missing(), upper = MCMV::Missing();
+    BSN1SampleNormalUtils::ComputeCINormal(m_alpha, mean, variance, lower, upper);
+    Results& r = m_results;
+    r.modes[i] = r.postMeans[i] = MCMV::Sanitize(mean);
+    r.variances[i] = MCMV::Sanitize(variance);
+    r.lowerLimits[i] = MCMV::Sanitize(lower);
+    r.upperLimits[i] = MCMV::Sanitize(upper);
+    normalPlotArguments(i, m_means[i], sigma2, r.argsLikelihood);
+    calculateLogLikelihoodKnownVar(i, sigma2);
+    normalPlotArguments(i, mean, variance, r.argsPosterior);
+    calculateNormalCurve(mean, variance, r.argsPosterior[i], r.posteriors[i]);
+}
+
+void BSN1SampleNormalInference::normalPrior(int i, double mean, double variance) {
+    normalPlotArguments(i, mean, variance, m_results.argsPrior);
+    calculateNormalCurve(mean, variance, m_results.argsPrior[i], m_results.priors[i]);
+}
+
+void BSN1SampleNormalInference::flatPrior(int i) {
+    Results& r = m_results;
+    r.argsPrior[i] = r.argsLikelihood[i];
+    // An improper flat prior has no density to sample; two equal values
+    // draw it as a level line over the arguments.
+    if (r.argsPrior[i].empty())
+        r.priors[i].clear();
+    else
+        r.priors[i] = {1.0, 1.0};
 }
 
 void BSN1SampleNormalInference::calculatePlotArguments(int i, double low, double high, Curves& target) const {
@@ -341,9 +326,9 @@ void BSN1SampleNormalInference::tPlotArguments(int i, double centre, double scal
 void BSN1SampleNormalInference::calculateLogLikelihood(int i) {
     const double n = m_ns[i], m = m_means[i], s = m_stdDevs[i];
     const double spread = (n - 1.0) * s * s / n;
-    std::vector<double>& out = m_likelihoods[i];
+    std::vector<double>& out = m_results.likelihoods[i];
     out.clear();
-    for (double x : m_argsLikelihood[i]) {
+    for (double x : m_results.argsLikelihood[i]) {
         if (!present(x)) {
             out.push_back(MCMV::Missing());
             continue;
@@ -356,9 +341,9 @@ void BSN1SampleNormalInference::calculateLogLikelihood(int i) {
 void BSN1SampleNormalInference::calculateLogLikelihoodKnownVar(int i, double variance) {
     const double n = m_ns[i], m = m_means[i], s = m_stdDevs[i];
     const double within = (n - 1.0) * s * s;
-    std::vector<double>& out = m_likelihoods[i];
+    std::vector<double>& out = m_results.likelihoods[i];
     out.clear();
-    for (double x : m_argsLikelihood[i]) {
+    for (double x : m_results.argsLikelihood[i]) {
         if (!present(x)) {
             out.push_back(MCMV::Missing());
             continue;
@@ -369,12 +354,12 @@ void BSN1SampleNormalInference::calculateLogLikelihoodKnownVar(int i, double var
 }
 
 void BSN1SampleNormalInference::calculatePosteriorCurvT(int i, double df, double centre, double scale2) {
-    std::vector<double>& out = m_posteriors[i];
+    std::vector<double>& out = m_results.posteriors[i];
     out.clear();
     if (!present(df) || df <= 0.0 || !present(scale2) || scale2 <= 0.0) return;
     const double logNorm = MCDistFun::quondnlgam((df + 1.0) / 2.0) - MCDistFun::quondnlgam(df / 2.0) -
                            0.5 * std::log(df * std::numbers::pi * scale2);
-    for (double x : m_argsPosterior[i]) {
+    for (double x : m_results.argsPosterior[i]) {
         if (!present(x)) {
             out.push_back(MCMV::Missing());
             continue;
@@ -393,14 +378,19 @@ void BSN1SampleNormalInference::calculateNormalCurve(double mean, double varianc
     for (double x : arguments) target.push_back(MCDistFun::PdfNormal(x, mean, sd));
 }
 
-void BSN1SampleNormalInference::flatPrior(int i) {
-    m_argsPrior[i] = m_argsLikelihood[i];
-    // An improper flat prior has no density to sample; two equal values
-    // draw it as a level line over the arguments.
-    if (m_argsPrior[i].empty())
-        m_priors[i].clear();
-    else
-        m_priors[i] = {1.0, 1.0};
+void BSN1SampleNormalInference::Results::Display() const {
+    using namespace MCDisplay_850;
+    DisplayDV("Mode Values", modes);
+    DisplayDV("Posterior Mean Values", postMeans);
+    DisplayDV("Variances", variances);
+    DisplayDV("Lower Limits", lowerLimits);
+    DisplayDV("Upper Limits", upperLimits);
+    DisplayDVV("Plot Arguments for LogLikelihoods", argsLikelihood);
+    DisplayDVV("Plot Arguments for Prior", argsPrior);
+    DisplayDVV("Plot Arguments for Posterior", argsPosterior);
+    DisplayDVV("Plot LogLikelihoods", likelihoods);
+    DisplayDVV("Plot Posterior", posteriors);
+    DisplayDVV("Plot Prior", priors);
 }
 
 void BSN1SampleNormalInference::Display(std::ostream& os) const {
@@ -414,17 +404,7 @@ void BSN1SampleNormalInference::Display(std::ostream& os) const {
     DisplayDV("Ns", m_ns);
     BSNComponentDisplay::DisplayC("Mean Distribution Type", m_settings.GetMeanDistType());
     BSNComponentDisplay::DisplayC("Prior Distribution Type", m_settings.GetPriorDistType());
-    DisplayDV("Mode Values", m_modes);
-    DisplayDV("Posterior Mean Values", m_postMeans);
-    DisplayDV("Variances", m_variances);
-    DisplayDV("Lower Limits", m_lowerLimits);
-    DisplayDV("Upper Limits", m_upperLimits);
-    DisplayDVV("Plot Arguments for LogLikelihoods", m_argsLikelihood);
-    DisplayDVV("Plot Arguments for Prior", m_argsPrior);
-    DisplayDVV("Plot Arguments for Posterior", m_argsPosterior);
-    DisplayDVV("Plot LogLikelihoods", m_likelihoods);
-    DisplayDVV("Plot Posterior", m_posteriors);
-    DisplayDVV("Plot Prior", m_priors);
+    m_results.Display();
     DisplayText(0, "End of display BSN1SampleNormalInference object");
 }
 

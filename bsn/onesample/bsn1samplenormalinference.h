@@ -24,6 +24,25 @@ class BSN1SampleNormalInference {
 public:
     using Curves = std::vector<std::vector<double>>;
 
+    // Everything computed for the test variables, one entry per variable:
+    // what the procedures copy into their own results.
+    struct Results {
+        std::vector<double> modes;
+        std::vector<double> postMeans;
+        std::vector<double> variances;
+        std::vector<double> lowerLimits;
+        std::vector<double> upperLimits;
+        Curves argsLikelihood;
+        Curves argsPrior;
+        Curves argsPosterior;
+        Curves likelihoods;  // log-likelihood up to an additive constant
+        Curves posteriors;
+        Curves priors;
+
+        // Labelled lines of every vector, to the current dump stream.
+        void Display() const;
+    };
+
     // The settings, warnings and statistic vectors are borrowed from the
     // owning procedure and must outlive this object. The vectors have one
     // entry per test variable (GetCovariates()).
@@ -36,17 +55,18 @@ public:
     // warning 410017.
     MCCommon_850::MCStatus BuildModel();
 
-    const std::vector<double>& getModeValues() const { return m_modes; }
-    const std::vector<double>& getPostMeanValues() const { return m_postMeans; }
-    const std::vector<double>& getVariances() const { return m_variances; }
-    const std::vector<double>& getLowerimits() const { return m_lowerLimits; }
-    const std::vector<double>& getUpperLimits() const { return m_upperLimits; }
-    const Curves& GetPlotArguments4Likelihoods() const { return m_argsLikelihood; }
-    const Curves& GetPlotArguments4Prior() const { return m_argsPrior; }
-    const Curves& GetPlotArguments4Posterior() const { return m_argsPosterior; }
-    const Curves& GetPlotLikelihoods() const { return m_likelihoods; }
-    const Curves& GetPlotPosterior() const { return m_posteriors; }
-    const Curves& GetPlotPrior() const { return m_priors; }
+    const Results& GetResults() const { return m_results; }
+    const std::vector<double>& getModeValues() const { return m_results.modes; }
+    const std::vector<double>& getPostMeanValues() const { return m_results.postMeans; }
+    const std::vector<double>& getVariances() const { return m_results.variances; }
+    const std::vector<double>& getLowerimits() const { return m_results.lowerLimits; }
+    const std::vector<double>& getUpperLimits() const { return m_results.upperLimits; }
+    const Curves& GetPlotArguments4Likelihoods() const { return m_results.argsLikelihood; }
+    const Curves& GetPlotArguments4Prior() const { return m_results.argsPrior; }
+    const Curves& GetPlotArguments4Posterior() const { return m_results.argsPosterior; }
+    const Curves& GetPlotLikelihoods() const { return m_results.likelihoods; }
+    const Curves& GetPlotPosterior() const { return m_results.posteriors; }
+    const Curves& GetPlotPrior() const { return m_results.priors; }
 
     // The credible interval's total tail mass (0.05 for a 95% level).
     double GetAlpha() const { return m_alpha; }
@@ -68,9 +88,20 @@ private:
     // Gamma prior (shape a0, rate b0) on the precision.
     void common136_137(int i, double a0, double b0);
 
-    // Stores the five point results of variable i (anything not finite
-    // becomes missing).
-    void storeResults(int i, double mode, double mean, double variance, double lower, double upper);
+    // Reads the conjugate families' prior mean and prior sample size
+    // (kappa0, 1 when not given); false when variable i cannot be used.
+    bool conjugateInputs(int i, double& mu0, double& kappa0) const;
+    // Unknown variance, a t posterior (centre, scale2, df) with the given
+    // posterior variance: stores the results and draws the likelihood and
+    // posterior curves.
+    void tPosterior(int i, double centre, double scale2, double df, double variance);
+    // Known variance sigma2, a normal posterior (mean, variance): likewise.
+    void normalPosterior(int i, double sigma2, double mean, double variance);
+    // The prior curve of the mean: a normal (mean, variance), or an
+    // improper flat prior drawn as the likelihood's arguments and two
+    // values 1.0.
+    void normalPrior(int i, double mean, double variance);
+    void flatPrior(int i);
 
     // n evenly spaced arguments from low to high into target[i]; nothing
     // when either limit is missing.
@@ -89,8 +120,6 @@ private:
     // variance > 0.
     static void calculateNormalCurve(double mean, double variance, const std::vector<double>& arguments,
                                      std::vector<double>& target);
-    // An improper flat prior: the likelihood's arguments and two values 1.0.
-    void flatPrior(int i);
 
     double m_alpha = 0.05;
     const BSNSettings& m_settings;
@@ -100,18 +129,7 @@ private:
     const std::vector<double>& m_stdDevs;
     const std::vector<double>& m_ns;
 
-    std::vector<double> m_modes;
-    std::vector<double> m_postMeans;
-    std::vector<double> m_variances;
-    std::vector<double> m_lowerLimits;
-    std::vector<double> m_upperLimits;
-
-    Curves m_argsLikelihood;
-    Curves m_argsPrior;
-    Curves m_argsPosterior;
-    Curves m_likelihoods;
-    Curves m_posteriors;
-    Curves m_priors;
+    Results m_results;
 };
 
 } // namespace MCBSN_850

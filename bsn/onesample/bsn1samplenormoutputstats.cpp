@@ -180,7 +180,7 @@ void BSN1SampleNormOutputStats::Display(std::ostream& os) const {
     DisplayText(0, "BSN1SampleNormOutputStats display start");
     BSNComponentDisplay::DisplayC("Model Type", GetModelType());
     BSNComponentDisplay::DisplayC("Output Type", GetOutputType());
-    m_imp->settings.Display(os);
+    BSNComponentDisplay::DisplayC("Analysis Type", m_imp->settings.GetAnalysType());
     DisplayFields();
     DisplayText(0, "End of display BSN1SampleNormOutputStats object");
 }

@@ -90,7 +90,7 @@ void BSN2SampleRelatedOutputStats::Display(std::ostream& os) const {
     DisplayText(0, "BSN2SampleRelatedOutputStats display start");
     BSNComponentDisplay::DisplayC("Model Type", GetModelType());
     BSNComponentDisplay::DisplayC("Output Type", GetOutputType());
-    GetSettings().Display(os);
+    BSNComponentDisplay::DisplayC("Analysis Type", GetSettings().GetAnalysType());
     DisplayIV("Second Variable Indices", m_imp->secondVarIndices);
     m_imp->stats.DisplayFields();
     DisplayText(0, "End of display BSN2SampleRelatedOutputStats object");
