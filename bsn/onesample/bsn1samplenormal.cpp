@@ -93,8 +93,8 @@ MCStatus BSN1SampleNormal::ComputeBasicStats(MCCommon_850::MultiPassRecordIter& 
         m_dfs[i] = n > 0.0 ? n - 1.0 : MCMV::Missing();
         m_means[i] = n > 0.0 ? m : MCMV::Missing();
         // A constant variable has a known spread of zero; a single case has
-        // none at all.
-        m_stdDevs[i] = n > 1.0 ? 0.0 : MCMV::Missing();
+        // none at all, nor has a variance too large to represent.
+        m_stdDevs[i] = n > 1.0 && !MCMV::IsMissing(v) ? 0.0 : MCMV::Missing();
         m_stdErrors[i] = m_stdDevs[i];
     }
     return {};

@@ -59,7 +59,7 @@ MCStatus BSN1SampleNormalInference::BuildModel() {
         // shorter vector means "no statistics" rather than a fault.
         const double n = k < m_ns.size() ? m_ns[k] : MCMV::Missing();
         const double s = k < m_stdDevs.size() ? m_stdDevs[k] : MCMV::Missing();
-        if (!present(n) || !present(s) || n < 2.0 || s <= 0.0) continue;
+        if (k >= m_means.size() || !present(n) || !present(s) || n < 2.0 || s <= 0.0) continue;
 
         if (haveKnownVars && present(knownVars[k])) {
             const double sigma2 = knownVars[k];

@@ -64,7 +64,8 @@ TEST(NormalDriver, FrequencyWeightsAreRoundedHalfUp) {
 TEST(NormalDriver, MissingValuesAreExcludedPerVariable) {
     // Variable 0 is missing where variable 1 is present and the other way
     // round; each keeps its own cases.
-    const std::vector<double> a = {2.0, kMiss, 4.5, 3.0, 7.25, kMiss, 1.0};
+    // NaN and infinity in the data count as missing values.
+    const std::vector<double> a = {2.0, std::nan(""), 4.5, 3.0, 7.25, HUGE_VAL, 1.0};
     const std::vector<double> b = {kMiss, 10.0, 12.5, kMiss, 9.0, 11.0, 14.0};
     // Listwise-deletion setting changes nothing for this procedure.
     BSNSettings s = normalSettings({1, 0}, BC::Posterior);

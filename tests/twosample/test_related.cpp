@@ -154,6 +154,17 @@ TEST(Related, ConstantAndEmptyPairs) {
     // The ordinary pair is unaffected.
     EXPECT_FALSE(MCMV::IsMissing(o.GetTValues()[2]));
     EXPECT_FALSE(MCMV::IsMissing(o.GetPostMeanValues()[2]));
+
+    // A difference constant but for the rounding of the stored values
+    // (second = first + 0.1 in floating point) is constant too, not a
+    // spread of 1e-16 that would give an absurd t.
+    std::vector<double> x = {7.7, 22.8, 78.0, 31.9, 43.8, 97.8}, y;
+    for (double v : x) y.push_back(v + 0.1);
+    NormalRun near(relatedSettings({0}, {1}, BC::Both), {x, y});
+    EXPECT_EQ(near.warningCodes(), std::vector<int>{410028});
+    EXPECT_EQ(output(near).GetStdDevs()[0], 0.0);
+    EXPECT_EQ(output(near).GetTValues()[0], kMiss);
+    EXPECT_NEAR(output(near).GetMeanValues()[0], -0.1, 1e-12);
 }
 
 TEST(Related, ListErrorsNoRecordsAndCancellation) {
