@@ -2,6 +2,9 @@
 
 #include <ostream>
 
+#include "bsn/onesample/bsn1samplebinomial.h"
+#include "bsn/onesample/bsn1samplepoisson.h"
+
 namespace MCBSN_850 {
 
 namespace {
@@ -10,6 +13,10 @@ std::unique_ptr<BSNAlgorithm> createProcedure(const BSNSettings& settings, const
     switch (settings.GetModelType()) {
     case BSNConst::OneSample:
         switch (settings.GetTestDistType()) {
+        case BSNConst::Binomial:
+            return std::make_unique<BSN1SampleBinomial>(settings, varList);
+        case BSNConst::Poisson:
+            return std::make_unique<BSN1SamplePoisson>(settings, varList);
         default:
             return nullptr;
         }
