@@ -1,6 +1,9 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <functional>
+#include <sstream>
+#include <string>
 #include <cmath>
 #include <limits>
 #include <vector>
@@ -291,4 +294,28 @@ TEST(JZSMonteCarlo, WithinStandardErrorsOfQuadratureAndReproducible) {
     settings.SetMCSamples(0);
     BSN1SampleNormalUtils::computeBetaForUnKnownVarJZS(settings, 30.0, 2.0, &viaSettings, warnings);
     EXPECT_TRUE(MCMV::IsMissing(viaSettings));
+}
+
+TEST(JZSDisplay, DumpsGoToTheGivenStream) {
+    // Each dump is framed by its start and end lines and goes only to the
+    // stream passed in, whatever the state (missing t, unbounded right end).
+    BayesFactorOneSampleTT tt(10.0, 9.0, MCMV::Missing());
+    BayesFactorOneSampleTTMC mc(10.0, 9.0, 1.0, 100, 7);
+    BayesFactorOneSampleTTRng rng;
+    BayesFactorDenomIF f(10.0, 9.0, 1.0);
+    const std::vector<std::pair<std::string, std::function<void(std::ostream&)>>> dumps = {
+        {"BayesFactorOneSampleTT", [&](std::ostream& os) { tt.Display(os); }},
+        {"BayesFactorOneSampleTTMC", [&](std::ostream& os) { mc.Display(os); }},
+        {"BayesFactorOneSampleTTRng", [&](std::ostream& os) { rng.Display(os); }},
+        {"BayesFactorDenomIF", [&](std::ostream& os) { f.Display(os); }},
+    };
+    for (const auto& [name, dump] : dumps) {
+        std::ostringstream os;
+        testing::internal::CaptureStdout();
+        dump(os);
+        EXPECT_EQ(testing::internal::GetCapturedStdout(), "");
+        const std::string text = os.str();
+        EXPECT_EQ(text.rfind(name + " display start\n", 0), 0u) << text;
+        EXPECT_NE(text.find("End of display " + name + " object\n"), std::string::npos) << text;
+    }
 }
