@@ -20,6 +20,11 @@ namespace MCBSN_850 {
 
 class BSNAlgorithm {
 public:
+    // Final progress report of a pass: the frame's rule reports the total
+    // once more after every pass; the normal-mean procedures only when
+    // records were read since the last report.
+    enum class FinalReport { Always, IfPending };
+
     BSNAlgorithm(const BSNSettings& settings, const MCXML_850::MCVarList& varList);
     virtual ~BSNAlgorithm();
     BSNAlgorithm(const BSNAlgorithm&) = delete;
@@ -53,11 +58,6 @@ protected:
 
     // Appends a helper object's warnings to the procedure's own.
     void AppendWarnings(const MCCommon_850::MCWarnings& warnings) { m_warnings.Append(warnings); }
-
-    // Final progress report of a pass: the frame's rule reports the total
-    // once more after every pass; the normal-mean procedures only when
-    // records were read since the last report.
-    enum class FinalReport { Always, IfPending };
 
     // One data pass over the records. Each non-null record is counted and,
     // when its frequency weight (if any) rounds to at least 1, handed to

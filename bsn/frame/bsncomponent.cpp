@@ -2,7 +2,9 @@
 
 #include <ostream>
 
+#include "bsn/onesample/bsn1samplebinomial.h"
 #include "bsn/onesample/bsn1samplenormal.h"
+#include "bsn/onesample/bsn1samplepoisson.h"
 #include "bsn/twosample/bsn2samplerelated.h"
 
 namespace MCBSN_850 {
@@ -15,6 +17,10 @@ std::unique_ptr<BSNAlgorithm> createProcedure(const BSNSettings& settings, const
         switch (settings.GetTestDistType()) {
         case BSNConst::Normal:
             return std::make_unique<BSN1SampleNormal>(settings, varList);
+        case BSNConst::Binomial:
+            return std::make_unique<BSN1SampleBinomial>(settings, varList);
+        case BSNConst::Poisson:
+            return std::make_unique<BSN1SamplePoisson>(settings, varList);
         default:
             return nullptr;
         }

@@ -14,16 +14,9 @@ using MCCommon_850::MCMV;
 namespace {
 
 // Nodes on [-1, 1]: the 4-point Lobatto rule has ±1 and ±1/sqrt(5); its
-// Kronrod extension adds 0 and ±sqrt(2/3); the 13-point Kronrod rule used
-// for the first rough estimate adds ±x1, ±x2, ±x3.
+// Kronrod extension adds 0 and ±sqrt(2/3).
 const double kAlpha = std::sqrt(2.0 / 3.0);
 const double kBeta = 1.0 / std::sqrt(5.0);
-constexpr double kX1 = 0.942882415695480;
-constexpr double kX2 = 0.641853342345781;
-constexpr double kX3 = 0.236383199662150;
-// Weights of the 13-point rule, from the outer pair to the centre.
-constexpr double kW13[7] = {0.0158271919734802, 0.0942738402188500, 0.155071987336585, 0.188821573960182,
-                            0.199773405226859,  0.224926465333340,  0.242611071901408};
 
 // A missing ordinate is carried as NaN so that the intervals it bounds can
 // be told apart, and enters every sum as 0.
@@ -31,6 +24,13 @@ constexpr double kMissingOrdinate = std::numeric_limits<double>::quiet_NaN();
 inline double z(double y) { return std::isnan(y) ? 0.0 : y; }
 
 } // namespace
+
+// An interval with its seven Lobatto/Kronrod ordinates and both rules.
+struct LobattoQuad::Panel {
+    double a, b;
+    double f[7];  // at a, m - alpha h, m - beta h, m, m + beta h, m + alpha h, b
+    double i1 = 0.0, i2 = 0.0;
+};
 
 LobattoQuad::LobattoQuad(IIntegrand& integrand) : m_integrand(&integrand) {}
 
@@ -52,6 +52,13 @@ double LobattoQuad::eval(double x) {
     return y;
 }
 
+void LobattoQuad::rules(Panel& p) {
+    const double h = (p.b - p.a) / 2.0;
+    const double ends = z(p.f[0]) + z(p.f[6]), outer = z(p.f[1]) + z(p.f[5]), inner = z(p.f[2]) + z(p.f[4]);
+    p.i2 = (h / 6.0) * (ends + 5.0 * inner);
+    p.i1 = (h / 1470.0) * (77.0 * ends + 432.0 * outer + 625.0 * inner + 672.0 * z(p.f[3]));
+}
+
 double LobattoQuad::Integrate(double a, double b) {
     m_nIterations = 0;
     m_nEvaluations = 0;
@@ -67,22 +74,22 @@ double LobattoQuad::Integrate(double a, double b) {
     const double m = a + h;
     if (!std::isfinite(h) || !std::isfinite(m)) return MCMV::Missing();
 
-    const double y[13] = {eval(a),           eval(m - kX1 * h), eval(m - kAlpha * h), eval(m - kX2 * h),
-                          eval(m - kBeta * h), eval(m - kX3 * h), eval(m),              eval(m + kX3 * h),
-                          eval(m + kBeta * h), eval(m + kX2 * h), eval(m + kAlpha * h), eval(m + kX1 * h),
-                          eval(b)};
-    double is = kW13[6] * z(y[6]);
-    for (int k = 0; k < 6; ++k) is += kW13[k] * (z(y[k]) + z(y[12 - k]));
-    is *= h;
-
-    // The acceptance bound is the tolerance relative to the rough estimate.
-    // (The published scheme relaxes it when the 7-point rule agrees better
-    // with the 13-point one than the 4-point rule does; that lets the error
-    // exceed the tolerance on long heavy tails, so it is not done here.)
-    const double tol = std::max(m_tolerance, std::numeric_limits<double>::epsilon());
-    m_errorTarget = tol * (is != 0.0 ? std::fabs(is) : 2.0 * h);
-
-    const double result = refine(a, b, y[0], y[12], y[2], y[4], y[6], y[8], y[10]);
+    // Intervals are accepted against the tolerance relative to an estimate
+    // of the whole integral: the sum of the 7-point values of the current
+    // intervals, updated with every split. (The published scheme takes a
+    // fixed 13-point sum over [a, b] instead; an integrand whose mass sits
+    // in a small part of [a, b] is missed by its nodes and the bound comes
+    // out far too strict, or far too loose when a node hits a peak. It also
+    // relaxes the bound when the 7-point rule agrees better with the
+    // 13-point one than the 4-point rule does, which lets the error exceed
+    // the tolerance on long heavy tails.)
+    m_tolEff = std::max(m_tolerance, std::numeric_limits<double>::epsilon());
+    Panel root{a, b, {eval(a), eval(m - kAlpha * h), eval(m - kBeta * h), eval(m), eval(m + kBeta * h),
+                      eval(m + kAlpha * h), eval(b)}};
+    rules(root);
+    m_estimate = root.i1;
+    m_nIterations = 1;
+    const double result = refine(root);
     if (m_limitReached && !m_warnings.Contains(kNotConvergedCode)) {
         MCCommon_850::MCStatus warning(kNotConvergedCode, true);
         warning.SetScaleDatum(0, a);
@@ -92,36 +99,50 @@ double LobattoQuad::Integrate(double a, double b) {
     return MCMV::Sanitize(result);
 }
 
-double LobattoQuad::step(double a, double b, double fa, double fb) {
-    const double h = (b - a) / 2.0;
-    const double m = a + h;
-    return refine(a, b, fa, fb, eval(m - kAlpha * h), eval(m - kBeta * h), eval(m), eval(m + kBeta * h),
-                  eval(m + kAlpha * h));
-}
-
-double LobattoQuad::refine(double a, double b, double fa, double fb, double fmll, double fml, double fm,
-                           double fmr, double fmrr) {
-    ++m_nIterations;
+double LobattoQuad::refine(const Panel& p) {
+    const double* f = p.f;
     // Next to a missing end ordinate (typically a pole) both rules miss the
     // same mass, so their difference understates the error; such intervals
     // must agree more closely.
-    const double target = (std::isnan(fa) || std::isnan(fb)) ? m_errorTarget / 8.0 : m_errorTarget;
-    const double ends = z(fa) + z(fb), outer = z(fmll) + z(fmrr), inner = z(fml) + z(fmr);
-    const double h = (b - a) / 2.0;
-    const double m = a + h;
-    const double mll = m - kAlpha * h, ml = m - kBeta * h, mr = m + kBeta * h, mrr = m + kAlpha * h;
-    const double i2 = (h / 6.0) * (ends + 5.0 * inner);
-    const double i1 = (h / 1470.0) * (77.0 * ends + 432.0 * outer + 625.0 * inner + 672.0 * z(fm));
+    double target = m_tolEff * std::fabs(m_estimate);
+    if (std::isnan(f[0]) || std::isnan(f[6])) target /= 32.0;
+    const double h = (p.b - p.a) / 2.0;
+    const double m = p.a + h;
+    const double x[7] = {p.a, m - kAlpha * h, m - kBeta * h, m, m + kBeta * h, m + kAlpha * h, p.b};
     // Accept on agreement, or when the nodes no longer separate (the
     // interval holds too few machine numbers to split).
-    if (std::fabs(i1 - i2) <= target || !(a < mll && mll < ml && ml < m && m < mr && mr < mrr && mrr < b))
-        return i1;
+    bool separate = true;
+    for (int k = 0; k < 6; ++k) separate = separate && x[k] < x[k + 1];
+    if (std::fabs(p.i1 - p.i2) <= target || !separate || !std::isfinite(p.i1)) return p.i1;
     if (m_nIterations >= m_maxIter) {
         m_limitReached = true;
-        return i1;
+        return p.i1;
     }
-    return step(a, mll, fa, fmll) + step(mll, ml, fmll, fml) + step(ml, m, fml, fm) + step(m, mr, fm, fmr) +
-           step(mr, mrr, fmr, fmrr) + step(mrr, b, fmrr, fb);
+    // Split at the six inner nodes; all parts are evaluated before any is
+    // refined further, so that the estimate of the whole integral improves
+    // as early as possible.
+    Panel parts[6];
+    double sum1 = 0.0;
+    for (int k = 0; k < 6; ++k) {
+        Panel& c = parts[k];
+        c.a = x[k];
+        c.b = x[k + 1];
+        const double ch = (c.b - c.a) / 2.0, cm = c.a + ch;
+        c.f[0] = f[k];
+        c.f[1] = eval(cm - kAlpha * ch);
+        c.f[2] = eval(cm - kBeta * ch);
+        c.f[3] = eval(cm);
+        c.f[4] = eval(cm + kBeta * ch);
+        c.f[5] = eval(cm + kAlpha * ch);
+        c.f[6] = f[k + 1];
+        rules(c);
+        sum1 += c.i1;
+    }
+    m_nIterations += 6;
+    m_estimate += sum1 - p.i1;
+    double result = 0.0;
+    for (const Panel& c : parts) result += refine(c);
+    return result;
 }
 
 void LobattoQuad::Display(std::ostream& os) const {
@@ -134,7 +155,7 @@ void LobattoQuad::Display(std::ostream& os) const {
     DisplayI("Evaluations", m_nEvaluations);
     DisplayI("Missing ordinates", m_nMissing);
     DisplayB("Limit reached", m_limitReached);
-    DisplayD("Error target", m_errorTarget);
+    DisplayD("Running estimate", m_estimate);
     DisplayI("Warnings", static_cast<int>(m_warnings.Size()));
     DisplayText(0, "End of display LobattoQuad object");
 }

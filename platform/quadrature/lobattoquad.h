@@ -3,18 +3,23 @@
 // ("Adaptive quadrature - revisited", BIT 40, 2000). Each interval is
 // integrated by the 4-point Gauss-Lobatto rule and its 7-point Kronrod
 // extension; an interval is accepted when the two agree to within the
-// relative tolerance times a rough estimate of the whole integral (a
-// 13-point Kronrod sum over [a, b]), otherwise it is split at the six
-// inner nodes. Ordinates are shared between an interval and its parts, so
-// each refinement costs five integrand evaluations.
+// relative tolerance times an estimate of the whole integral, otherwise it
+// is split at its five inner nodes into six parts. The estimate is the sum
+// of the 7-point values of the current intervals, updated with every split.
+// Ordinates are shared between an interval and its parts, so each part
+// costs five integrand evaluations; one iteration is one interval
+// evaluated and tested.
 //
-// Guarantees: the run always ends (each refinement is counted and no
-// interval is split once GetMaxIter() refinements have been made, or once
-// it holds no more machine numbers), and the result is a finite number or
-// the missing value. An ordinate that is missing or not finite counts as 0:
+// Guarantees: the run always ends (no interval is split once GetMaxIter()
+// intervals have been evaluated, nor once it holds too few machine numbers
+// to split), and the result is a finite number or the missing value. An
+// integral that cancels to about 0 cannot meet a relative tolerance and
+// runs to the limit. An ordinate that is missing or not finite counts as 0:
 // integrands signal "outside the support" that way, and a lone pole at an
 // end point (1/sqrt(x) at 0) is then integrated correctly by refinement
-// towards it. Such ordinates are counted (GetNMissingOrdinates).
+// towards it (intervals ending in such an ordinate must meet a 32 times
+// stricter bound, as both rules miss the same mass there). Such ordinates
+// are counted (GetNMissingOrdinates).
 //
 // Reaching the refinement limit adds warning 420001 to GetWarnings(),
 // once per object however many integrals hit the limit; its scale data
@@ -39,7 +44,7 @@ public:
     // Relative tolerance; only x > 0 is accepted. Values below the machine
     // epsilon act as the epsilon.
     void SetTolerance(double tolerance);
-    // Maximum number of refinements of one integral; only n > 0 is accepted.
+    // Iteration limit of one integral; only n > 0 is accepted.
     void SetMaxIter(int maxIter);
     double GetTolerance() const { return m_tolerance; }
     int GetMaxIter() const { return m_maxIter; }
@@ -50,7 +55,7 @@ public:
     // For a quadrature rule the weighted sum of ordinates is the integral.
     double SumUp(double a, double b) override { return Integrate(a, b); }
 
-    // Refinements made by the last Integrate (each evaluates one interval).
+    // Iterations of the last Integrate: intervals evaluated and tested.
     int GetNIterations() const { return m_nIterations; }
     // Integrand evaluations of the last Integrate.
     int GetNEvaluations() const { return m_nEvaluations; }
@@ -61,12 +66,11 @@ public:
     void Display(std::ostream& os) const;
 
 private:
+    struct Panel;
     double eval(double x);
-    // Integral over [a, b] given the ordinates at a and b.
-    double step(double a, double b, double fa, double fb);
-    // Same, with the five inner Lobatto/Kronrod ordinates already known.
-    double refine(double a, double b, double fa, double fb, double fmll, double fml, double fm, double fmr,
-                  double fmrr);
+    static void rules(Panel& p);
+    // The integral over a panel whose ordinates and rules are known.
+    double refine(const Panel& p);
 
     IIntegrand* m_integrand;
     double m_tolerance = kDefaultTolerance;
@@ -75,7 +79,8 @@ private:
     int m_nEvaluations = 0;
     int m_nMissing = 0;
     bool m_limitReached = false;
-    double m_errorTarget = 0.0;  // absolute acceptance bound of the current integral
+    double m_tolEff = kDefaultTolerance;  // the tolerance, at least the machine epsilon
+    double m_estimate = 0.0;              // running estimate of the whole integral
     MCCommon_850::MCWarnings m_warnings;
 };
 

@@ -1,0 +1,15 @@
+#!/usr/bin/env bash
+# Installs what is needed, builds bsn and runs the whole test suite: once in
+# an optimised build, once under AddressSanitizer and UndefinedBehaviorSanitizer.
+set -euo pipefail
+cd "$(dirname "$0")/.."
+scripts/setup.sh
+jobs=$(nproc 2>/dev/null || echo 2)
+
+scripts/build.sh build
+(cd build && ctest --output-on-failure -j "$jobs")
+
+export ASAN_OPTIONS=detect_leaks=1:abort_on_error=1
+export UBSAN_OPTIONS=print_stacktrace=1:halt_on_error=1
+scripts/build.sh build-asan -DBSN_SANITIZE=ON -DBSN_BENCH=OFF
+(cd build-asan && ctest --output-on-failure -j "$jobs")

@@ -1,0 +1,236 @@
+#include <gtest/gtest.h>
+
+#include <sstream>
+#include <vector>
+
+#include "bsn/frame/bsnalgorithm.h"
+#include "bsn/frame/bsncomponent.h"
+#include "bsn/frame/bsncorrreporter.h"
+#include "platform/records/columnrecorditer.h"
+
+using namespace MCBSN_850;
+using MCCommon_850::MCMV;
+using MCCommon_850::MCStatus;
+
+namespace {
+
+// A procedure that sums the weights and weighted values of variable 0 in one
+// pass and then runs a scripted list of stage statuses: enough to exercise
+// the frame's bookkeeping without any statistics.
+class ScriptedProcedure : public BSNAlgorithm {
+public:
+    ScriptedProcedure(const BSNSettings& s, std::vector<MCStatus> stages, FinalReport rule = FinalReport::Always)
+        : BSNAlgorithm(s, MCXML_850::MCVarList()), m_stages(std::move(stages)), m_rule(rule) {}
+
+    MCStatus BuildModel(MCCommon_850::MultiPassRecordIter& iter) override {
+        if (!TakeStageStatus(RunDataPass(
+                iter,
+                [this](const MCCommon_850::Record& r, double w) {
+                    sumWeights += w;
+                    sumValues += w * r.GetValue(0);
+                    ++used;
+                },
+                m_rule)))
+            return FinishBuild();
+        for (const MCStatus& stage : m_stages) {
+            ++stagesRun;
+            if (!TakeStageStatus(stage)) break;
+        }
+        return FinishBuild();
+    }
+    void Display(std::ostream&) const override {}
+
+    double sumWeights = 0, sumValues = 0;
+    int used = 0, stagesRun = 0;
+
+private:
+    std::vector<MCStatus> m_stages;
+    FinalReport m_rule;
+};
+
+struct CountingListener : MCCommon_850::ProgressListener {
+    std::vector<int> seen;
+    void Notify(const MCCommon_850::ProgressReport& r) override { seen.push_back(r.DiscreteMeasure("records")); }
+};
+
+// Cancels on the n-th question.
+struct CancelAfter : MCCommon_850::MCQueryCancel {
+    explicit CancelAfter(int n) : left(n) {}
+    mutable int left;
+    bool IsCancel() const override { return --left < 0; }
+};
+
+// Yields a null record at the given rows, as a source with gaps may.
+class GappyIter : public MCCommon_850::ColumnRecordIter {
+public:
+    GappyIter(const std::vector<std::vector<double>>& cols, std::vector<std::size_t> gaps)
+        : ColumnRecordIter(cols), m_gaps(std::move(gaps)) {}
+    void Reset() override {
+        ColumnRecordIter::Reset();
+        m_row = 0;
+    }
+    bool Advance() override {
+        ++m_row;
+        return ColumnRecordIter::Advance();
+    }
+    const MCCommon_850::Record* GetRecord() const override {
+        for (auto g : m_gaps)
+            if (g + 1 == m_row) return nullptr;
+        return ColumnRecordIter::GetRecord();
+    }
+
+private:
+    std::vector<std::size_t> m_gaps;
+    std::size_t m_row = 0;
+};
+
+} // namespace
+
+TEST(Frame, FrequencyWeightsRoundHalfUp) {
+    EXPECT_EQ(BSNAlgorithm::RoundFrequencyWeight(2.4), 2.0);
+    EXPECT_EQ(BSNAlgorithm::RoundFrequencyWeight(2.5), 3.0);
+    EXPECT_EQ(BSNAlgorithm::RoundFrequencyWeight(0.5), 1.0);
+    EXPECT_EQ(BSNAlgorithm::RoundFrequencyWeight(0.49), 0.0);
+    EXPECT_EQ(BSNAlgorithm::RoundFrequencyWeight(0.4), 0.0);
+    EXPECT_EQ(BSNAlgorithm::RoundFrequencyWeight(-3.0), 0.0);
+    EXPECT_EQ(BSNAlgorithm::RoundFrequencyWeight(MCMV::Missing()), 0.0);
+    // Beyond the int range the weight stays exact.
+    EXPECT_EQ(BSNAlgorithm::RoundFrequencyWeight(5e9 + 0.2), 5e9);
+
+    BSNSettings s;
+    s.SetFrequencyWeightVar(1);
+    std::vector<std::vector<double>> cols{{1, 2, 3, 4, 5, 6}, {2.4, 2.5, 0.49, -3, MCMV::Missing(), 1}};
+    MCCommon_850::ColumnRecordIter iter(cols);
+    ScriptedProcedure p(s, {});
+    EXPECT_TRUE(p.BuildModel(iter).IsOK());
+    EXPECT_EQ(p.used, 3);
+    EXPECT_EQ(p.sumWeights, 2 + 3 + 1);
+    EXPECT_EQ(p.sumValues, 1 * 2 + 2 * 3 + 6 * 1);
+}
+
+TEST(Frame, WarningsCollectedInOrderAndErrorEndsBuild) {
+    BSNSettings s;
+    std::vector<std::vector<double>> cols{{1, 2}};
+    MCCommon_850::ColumnRecordIter iter(cols);
+    MCStatus w1(410041, true), w2(410037, true), err(410019, false), w3(410018, true);
+    w2.SetDiscreteDatum(0, 4);
+    ScriptedProcedure p(s, {w1, w2, err, w3});
+    const MCStatus st = p.BuildModel(iter);
+    EXPECT_EQ(st.GetCode(), 410019);
+    EXPECT_TRUE(p.GetStatus().IsError());
+    EXPECT_FALSE(p.IsModelBuilt());
+    EXPECT_EQ(p.stagesRun, 3);  // the stage after the error never ran
+    ASSERT_EQ(p.GetWarningMessages().Size(), 2u);
+    EXPECT_EQ(p.GetWarningMessages().Get(0).GetCode(), 410041);
+    EXPECT_EQ(p.GetWarningMessages().Get(1).GetCode(), 410037);
+    EXPECT_EQ(p.GetWarningMessages().Get(1).GetDiscreteDatum(0), 4);
+
+    MCCommon_850::ColumnRecordIter iter2(cols);
+    ScriptedProcedure ok(s, {w1, w3});
+    EXPECT_TRUE(ok.BuildModel(iter2).IsOK());
+    EXPECT_TRUE(ok.GetStatus().IsOK());
+    EXPECT_TRUE(ok.IsModelBuilt());
+    EXPECT_EQ(ok.GetWarningMessages().Size(), 2u);
+}
+
+TEST(Frame, ProgressReportsEveryFrequencyAndAtTheEnd) {
+    CountingListener listener;
+    BSNSettings s;
+    s.SetProgressListener(&listener);
+    s.SetProgressFrequency(3);
+    std::vector<std::vector<double>> seven{{1, 2, 3, 4, 5, 6, 7}}, six{{1, 2, 3, 4, 5, 6}};
+    {
+        MCCommon_850::ColumnRecordIter iter(seven);
+        ScriptedProcedure p(s, {});
+        p.BuildModel(iter);
+        EXPECT_EQ(listener.seen, (std::vector<int>{3, 6, 7}));
+    }
+    listener.seen.clear();
+    {
+        MCCommon_850::ColumnRecordIter iter(six);
+        ScriptedProcedure p(s, {});
+        p.BuildModel(iter);
+        EXPECT_EQ(listener.seen, (std::vector<int>{3, 6, 6}));  // the final report always comes
+    }
+    listener.seen.clear();
+    {
+        MCCommon_850::ColumnRecordIter iter(six);
+        ScriptedProcedure p(s, {}, BSNAlgorithm::FinalReport::IfPending);
+        p.BuildModel(iter);
+        EXPECT_EQ(listener.seen, (std::vector<int>{3, 6}));  // nothing new since the last report
+    }
+    listener.seen.clear();
+    {
+        // Null records are neither counted nor used; records with weight 0
+        // are counted but not used.
+        s.SetFrequencyWeightVar(1);
+        std::vector<std::vector<double>> cols{{1, 2, 3, 4, 5}, {1, 1, 0, 1, 1}};
+        GappyIter iter(cols, {1, 3});
+        ScriptedProcedure p(s, {});
+        p.BuildModel(iter);
+        EXPECT_EQ(listener.seen, (std::vector<int>{3, 3}));
+        EXPECT_EQ(p.used, 2);
+        EXPECT_EQ(p.sumValues, 1 + 5);
+    }
+    // Without a listener nothing is reported (and nothing fails).
+    BSNSettings quiet;
+    MCCommon_850::ColumnRecordIter iter(seven);
+    ScriptedProcedure p(quiet, {});
+    EXPECT_TRUE(p.BuildModel(iter).IsOK());
+}
+
+TEST(Frame, CancellationInsideAPassGivesCodeOne) {
+    CancelAfter cancel(3);
+    BSNSettings s;
+    s.SetCancelPointer(&cancel);
+    std::vector<std::vector<double>> cols{{1, 2, 3, 4, 5, 6}};
+    MCCommon_850::ColumnRecordIter iter(cols);
+    ScriptedProcedure p(s, {MCStatus(410041, true)});
+    const MCStatus st = p.BuildModel(iter);
+    EXPECT_TRUE(st.IsError());
+    EXPECT_EQ(st.GetCode(), 1);
+    EXPECT_EQ(p.used, 3);
+    EXPECT_EQ(p.stagesRun, 0);
+    EXPECT_FALSE(p.IsModelBuilt());
+
+    // Set later through SetCancelPtr, from "another thread" (an atomic flag).
+    MCCommon_850::MCAtomicCancel flag;
+    flag.Cancel();
+    MCCommon_850::ColumnRecordIter iter2(cols);
+    ScriptedProcedure q(BSNSettings(), {});
+    q.SetCancelPtr(&flag);
+    EXPECT_EQ(q.BuildModel(iter2).GetCode(), 1);
+    EXPECT_EQ(q.used, 0);
+}
+
+TEST(Frame, ReportersKnowTheirMeasures) {
+    BSNReporter r(0);
+    EXPECT_EQ(r.DiscreteMeasure("records"), 0);
+    EXPECT_EQ(r.DiscreteMeasure("pairs"), -1);
+    EXPECT_TRUE(MCMV::IsMissing(r.ScaleMeasure("records")));
+    r.SetNRecords(12);
+    EXPECT_EQ(r.DiscreteMeasure("records"), 12);
+
+    BSNCorrReporter c(5);
+    EXPECT_EQ(c.DiscreteMeasure("pairs"), -1);
+    EXPECT_EQ(c.DiscreteMeasure("records"), 5);
+    c.SetNPairs(3);
+    EXPECT_EQ(c.DiscreteMeasure("pairs"), 3);
+    EXPECT_EQ(c.DiscreteMeasure("cells"), -1);
+}
+
+TEST(Frame, ComponentWithoutProcedureIsInert) {
+    BSNSettings s;
+    s.SetModelType(static_cast<BSNConst::ModelTypes>(9), false);
+    BSNComponent c(s, MCXML_850::MCVarList());
+    EXPECT_FALSE(c.HasProcedure());
+    std::vector<std::vector<double>> cols{{1}};
+    MCCommon_850::ColumnRecordIter iter(cols);
+    EXPECT_EQ(c.BuildModel(iter).GetCode(), 410001);
+    EXPECT_FALSE(c.IsModelBuilt());
+    EXPECT_EQ(c.GetOutputStats(), nullptr);
+    EXPECT_TRUE(c.GetWarningMessages().IsEmpty());
+    std::ostringstream os;
+    c.Display(os);
+    EXPECT_TRUE(os.str().empty());
+}
