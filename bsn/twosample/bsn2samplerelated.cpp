@@ -153,9 +153,8 @@ MCStatus BSN2SampleRelated::computeFactor() {
 
     for (std::size_t i = 0; i < nPairs; ++i) {
         if (m_cancelInfo.WillCancel()) return MCStatus(1, false);
-        // A pair without a t (too few cases, constant difference) has no
-        // Bayes factor in any variant.
-        if (!present(m_tValues[i])) continue;
+        // A pair without a t (too few cases, constant difference) gets no
+        // factor in any variant: the shared choice sees the missing t.
         double bf = MCMV::Missing();
         const MCStatus st = BSN1SampleNormalUtils::ComputeFactorForVariable(
             m_settings, static_cast<int>(i), static_cast<int>(nPairs), m_ns[i], m_tValues[i], m_means[i], &bf,
