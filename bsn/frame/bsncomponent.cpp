@@ -3,7 +3,9 @@
 #include <ostream>
 
 #include "bsn/onesample/bsn1samplebinomial.h"
+#include "bsn/onesample/bsn1samplenormal.h"
 #include "bsn/onesample/bsn1samplepoisson.h"
+#include "bsn/twosample/bsn2samplerelated.h"
 
 namespace MCBSN_850 {
 
@@ -13,6 +15,8 @@ std::unique_ptr<BSNAlgorithm> createProcedure(const BSNSettings& settings, const
     switch (settings.GetModelType()) {
     case BSNConst::OneSample:
         switch (settings.GetTestDistType()) {
+        case BSNConst::Normal:
+            return std::make_unique<BSN1SampleNormal>(settings, varList);
         case BSNConst::Binomial:
             return std::make_unique<BSN1SampleBinomial>(settings, varList);
         case BSNConst::Poisson:
@@ -20,6 +24,8 @@ std::unique_ptr<BSNAlgorithm> createProcedure(const BSNSettings& settings, const
         default:
             return nullptr;
         }
+    case BSNConst::Related:
+        return std::make_unique<BSN2SampleRelated>(settings, varList);
     default:
         return nullptr;
     }

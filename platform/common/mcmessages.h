@@ -1,0 +1,13 @@
+#pragma once
+// Messages of the platform's own status codes (the library's codes
+// 410001-410060 have their own table). Codes in use:
+//   420001  numerical integration stopped at its iteration limit (warning)
+#include <string>
+
+namespace MCCommon_850 {
+
+// Fills text with the message of a platform code and returns true; returns
+// false and leaves text unchanged for any other code.
+bool PlatformMessage(int code, std::string& text);
+
+} // namespace MCCommon_850

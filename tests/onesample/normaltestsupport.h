@@ -1,0 +1,165 @@
+#pragma once
+// Shared pieces of the normal-mean procedure tests: running a component on
+// in-memory columns, a cancelling progress listener, and reference
+// computations (weighted moments straight from the data, the posterior of a
+// mean by brute-force integration of likelihood x prior on a grid).
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cmath>
+#include <functional>
+#include <memory>
+#include <vector>
+
+#include "bsn/frame/bsncomponent.h"
+#include "platform/common/mcmv.h"
+#include "platform/progress/mcquerycancel.h"
+#include "platform/progress/progress.h"
+#include "platform/records/columnrecorditer.h"
+#include "platform/variables/mcvarlist.h"
+
+namespace normaltest {
+
+using MCCommon_850::MCMV;
+inline const double kMiss = MCMV::Missing();
+
+inline MCXML_850::MCVarList makeVarList(int n) {
+    MCXML_850::MCVarList vars;
+    for (int i = 0; i < n; ++i) vars.Add(MCXML_850::MCContVar("v" + std::to_string(i)));
+    return vars;
+}
+
+// A component built and run over `columns`; keeps the columns alive as long
+// as the results are read.
+struct NormalRun {
+    NormalRun(const MCBSN_850::BSNSettings& settings, std::vector<std::vector<double>> cols)
+        : columns(std::move(cols)), iter(columns),
+          component(settings, makeVarList(static_cast<int>(columns.size()))) {
+        status = component.BuildModel(iter);
+    }
+    template <class Out>
+    const Out* out() const {
+        return dynamic_cast<const Out*>(component.GetOutputStats());
+    }
+    std::vector<int> warningCodes() const {
+        std::vector<int> codes;
+        for (const auto& w : component.GetWarningMessages()) codes.push_back(w.GetCode());
+        return codes;
+    }
+    int count(int code) const {
+        const auto c = warningCodes();
+        return static_cast<int>(std::count(c.begin(), c.end(), code));
+    }
+
+    std::vector<std::vector<double>> columns;
+    MCCommon_850::ColumnRecordIter iter;
+    MCBSN_850::BSNComponent component;
+    MCCommon_850::MCStatus status;
+};
+
+// Counts progress reports and, at report number `cancelAt` (1-based),
+// raises the cancel flag.
+class CancellingListener : public MCCommon_850::ProgressListener {
+public:
+    CancellingListener(MCCommon_850::MCAtomicCancel& cancel, int cancelAt) : m_cancel(cancel), m_cancelAt(cancelAt) {}
+    void Notify(const MCCommon_850::ProgressReport& report) override {
+        records.push_back(report.DiscreteMeasure("records"));
+        if (static_cast<int>(records.size()) == m_cancelAt) m_cancel.Cancel();
+    }
+    std::vector<int> records;
+
+private:
+    MCCommon_850::MCAtomicCancel& m_cancel;
+    int m_cancelAt;
+};
+
+// Weighted mean and sample variance (divisor sum of weights - 1), two-pass.
+struct Moments {
+    double n = 0, mean = 0, var = 0;
+};
+inline Moments moments(const std::vector<double>& x, const std::vector<double>& w = {}) {
+    Moments m;
+    double sum = 0;
+    for (std::size_t i = 0; i < x.size(); ++i) {
+        const double wi = w.empty() ? 1.0 : w[i];
+        m.n += wi;
+        sum += wi * x[i];
+    }
+    m.mean = sum / m.n;
+    double ss = 0;
+    for (std::size_t i = 0; i < x.size(); ++i) {
+        const double wi = w.empty() ? 1.0 : w[i];
+        ss += wi * (x[i] - m.mean) * (x[i] - m.mean);
+    }
+    m.var = ss / (m.n - 1.0);
+    return m;
+}
+
+// Summary of a one-dimensional density known on an even grid up to a
+// constant: mean, variance and equal-tailed quantiles (trapezoid rule, the
+// cumulative distribution interpolated linearly).
+struct GridPosterior {
+    double mean = 0, var = 0, lower = 0, upper = 0;
+};
+inline GridPosterior summarise(const std::vector<double>& mu, const std::vector<double>& dens, double alpha) {
+    const std::size_t n = mu.size();
+    const double h = mu[1] - mu[0];
+    std::vector<double> cdf(n, 0.0);
+    for (std::size_t k = 1; k < n; ++k) cdf[k] = cdf[k - 1] + 0.5 * h * (dens[k] + dens[k - 1]);
+    const double total = cdf.back();
+    double m1 = 0, m2 = 0;
+    for (std::size_t k = 0; k < n; ++k) {
+        const double wk = (k == 0 || k == n - 1 ? 0.5 : 1.0) * h * dens[k] / total;
+        m1 += wk * mu[k];
+        m2 += wk * mu[k] * mu[k];
+    }
+    auto quantile = [&](double p) {
+        const double target = p * total;
+        const auto it = std::lower_bound(cdf.begin(), cdf.end(), target);
+        const std::size_t k = static_cast<std::size_t>(it - cdf.begin());
+        if (k == 0) return mu.front();
+        const double f = (target - cdf[k - 1]) / (cdf[k] - cdf[k - 1]);
+        return mu[k - 1] + f * h;
+    };
+    GridPosterior g;
+    g.mean = m1;
+    g.var = m2 - m1 * m1;
+    g.lower = quantile(alpha / 2.0);
+    g.upper = quantile(1.0 - alpha / 2.0);
+    return g;
+}
+
+// Marginal posterior of the mean of normal data (n, mean m, sample variance
+// s2) under an unknown variance: the joint density likelihood x prior,
+// logPrior(mu, sigma2) up to a constant, is integrated over sigma^2 on a
+// fine log grid for every mu on [muLow, muHigh].
+inline GridPosterior unknownVariancePosterior(double n, double m, double s2,
+                                              const std::function<double(double, double)>& logPrior,
+                                              double muLow, double muHigh, double alpha) {
+    const int nMu = 2001, nLog = 2001;
+    const double ss = (n - 1.0) * s2;  // sum of squared deviations
+    const double logCentre = std::log(s2);
+    const double uLow = logCentre - 18.0, uHigh = logCentre + 18.0;
+    const double du = (uHigh - uLow) / (nLog - 1);
+    std::vector<double> mu(nMu), logDens(nMu), dens(nMu), row(nLog);
+    for (int a = 0; a < nMu; ++a) {
+        mu[a] = muLow + a * (muHigh - muLow) / (nMu - 1);
+        const double q = ss + n * (mu[a] - m) * (mu[a] - m);
+        double top = -1e300;
+        for (int b = 0; b < nLog; ++b) {
+            const double u = uLow + b * du;
+            const double sigma2 = std::exp(u);
+            // log likelihood + log prior + log Jacobian of sigma2 = e^u
+            row[b] = -0.5 * n * u - q / (2.0 * sigma2) + logPrior(mu[a], sigma2) + u;
+            top = std::max(top, row[b]);
+        }
+        double s = 0;
+        for (int b = 0; b < nLog; ++b) s += (b == 0 || b == nLog - 1 ? 0.5 : 1.0) * std::exp(row[b] - top);
+        logDens[a] = top + std::log(s * du);
+    }
+    const double offset = *std::max_element(logDens.begin(), logDens.end());
+    for (int a = 0; a < nMu; ++a) dens[a] = std::exp(logDens[a] - offset);
+    return summarise(mu, dens, alpha);
+}
+
+} // namespace normaltest

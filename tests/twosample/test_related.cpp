@@ -1,0 +1,257 @@
+// The related-samples procedure through the component: difference
+// statistics over the cases where both members of a pair are present, the
+// t test on the differences, the wiring of the shared Bayes factor and
+// posterior, and its own messages.
+#include <gtest/gtest.h>
+
+#include <boost/math/distributions/students_t.hpp>
+#include <cmath>
+#include <sstream>
+#include <vector>
+
+#include "bsn/twosample/bsn2samplerelatedoutputstats.h"
+#include "tests/onesample/normaltestsupport.h"
+
+using namespace normaltest;
+using MCBSN_850::BSN2SampleRelatedOutputStats;
+using MCBSN_850::BSNSettings;
+namespace BC = MCBSN_850::BSNConst;
+namespace bm = boost::math;
+
+namespace {
+
+BSNSettings relatedSettings(std::vector<int> first, std::vector<int> second, BC::AnalysTypes type) {
+    BSNSettings s;
+    s.SetModelType(BC::Related, false);
+    s.SetAnalysType(type);
+    s.SetCovariates(first);
+    s.Set2ndRelatedList(second);
+    s.SetMeanDistType(BC::Diffuse);
+    s.SetPriorDistType(BC::Jeffreys2);
+    s.SetEstBFType(BC::Simple);
+    return s;
+}
+
+const BSN2SampleRelatedOutputStats& output(const NormalRun& r) {
+    const auto* o = r.out<BSN2SampleRelatedOutputStats>();
+    if (o == nullptr) throw std::runtime_error("no result object");
+    return *o;
+}
+
+// Differences first - second over the rows where both are present, with
+// their weights.
+void differences(const std::vector<double>& a, const std::vector<double>& b, const std::vector<double>& w,
+                 std::vector<double>& d, std::vector<double>& dw) {
+    for (std::size_t i = 0; i < a.size(); ++i) {
+        if (MCMV::IsMissing(a[i]) || MCMV::IsMissing(b[i]) || w[i] == 0) continue;
+        d.push_back(a[i] - b[i]);
+        dw.push_back(w[i]);
+    }
+}
+
+// Counts how often the procedure touches the records.
+class CountingIter : public MCCommon_850::ColumnRecordIter {
+public:
+    using ColumnRecordIter::ColumnRecordIter;
+    bool Advance() override {
+        ++advances;
+        return ColumnRecordIter::Advance();
+    }
+    int advances = 0;
+};
+
+} // namespace
+
+TEST(Related, DifferenceStatisticsTTestAndPosterior) {
+    const std::vector<double> x1 = {10.2, 11.5, kMiss, 9.8, 12.1, 10.9, 11.7, 13.0};
+    const std::vector<double> y1 = {9.1, 11.9, 10.0, 8.7, 10.6, kMiss, 10.2, 11.1};
+    const std::vector<double> x2 = {1.0, 3.0, 2.0, 4.0, 6.0, 5.0, 7.0, 8.0};
+    const std::vector<double> y2 = {2.0, 1.0, 3.0, 5.0, 4.0, 7.0, 6.0, 9.0};  // weighted mean difference 0.4
+    const std::vector<double> w = {1.0, 2.4, 1.0, 0.3, 1.0, 1.0, 3.0, 1.0};   // record 3 dropped (weight 0)
+    const std::vector<double> rounded = {1, 2, 1, 0, 1, 1, 3, 1};
+    BSNSettings s = relatedSettings({0, 2}, {1, 3}, BC::Both);
+    s.SetFrequencyWeightVar(4);
+    s.SetNullValues({0.5, 0.4});
+    s.SetAlterGValues({1.0, 3.0});
+    NormalRun r(s, {x1, y1, x2, y2, w});
+    ASSERT_TRUE(r.status.IsOK()) << r.status.GetCode();
+    EXPECT_TRUE(r.component.IsModelBuilt());
+    EXPECT_TRUE(r.component.GetWarningMessages().IsEmpty());
+    const auto& o = output(r);
+    EXPECT_EQ(o.GetModelType(), BC::Related);
+    EXPECT_EQ(o.GetOutputType(), BC::Output2SampleRelated);
+    EXPECT_EQ(o.GetVarIndices(), (std::vector<int>{0, 2}));
+    EXPECT_EQ(o.GetSecondVarIndices(), (std::vector<int>{1, 3}));
+
+    for (int p = 0; p < 2; ++p) {
+        SCOPED_TRACE(p);
+        std::vector<double> d, dw;
+        differences(p == 0 ? x1 : x2, p == 0 ? y1 : y2, rounded, d, dw);
+        const Moments m = moments(d, dw);
+        EXPECT_DOUBLE_EQ(o.GetNs()[p], m.n);
+        EXPECT_DOUBLE_EQ(o.GetDFValues()[p], m.n - 1);
+        EXPECT_NEAR(o.GetMeanValues()[p], m.mean, 1e-12);
+        EXPECT_NEAR(o.GetStdDevs()[p], std::sqrt(m.var), 1e-12);
+        EXPECT_NEAR(o.GetEMs()[p], std::sqrt(m.var / m.n), 1e-12);
+
+        // t on the differences against the pair's null value.
+        const double t = (m.mean - s.GetNullValues()[p]) / std::sqrt(m.var / m.n);
+        EXPECT_NEAR(o.GetTValues()[p], t, 1e-10);
+        EXPECT_NEAR(o.GetSigs()[p], 2 * bm::cdf(bm::complement(bm::students_t(m.n - 1), std::fabs(t))), 1e-10);
+
+        // Jeffreys 2 posterior of the mean difference: t with N - 1 df
+        // around the mean, scale^2 s^2/N.
+        const double scale = std::sqrt(m.var / m.n);
+        const double q = bm::quantile(bm::students_t(m.n - 1), 0.975);
+        EXPECT_NEAR(o.GetPostMeanValues()[p], m.mean, 1e-12);
+        EXPECT_NEAR(o.GetVarianceValues()[p], (m.n - 1) / (m.n - 3) * scale * scale, 1e-12);
+        EXPECT_NEAR(o.GetLowerLimits()[p], m.mean - q * scale, 1e-9);
+        EXPECT_NEAR(o.GetUpperLimits()[p], m.mean + q * scale, 1e-9);
+        EXPECT_EQ(o.GetPlotPrior()[p], (std::vector<double>{1.0, 1.0}));
+        EXPECT_EQ(o.GetPlotPosterior()[p].size(), 100u);
+    }
+    // Pair 2 is tested at its own mean: t = 0 and the Simple factor is
+    // sqrt(1 + N g).
+    EXPECT_NEAR(o.GetTValues()[1], 0.0, 1e-12);
+    EXPECT_NEAR(o.GetBayesFactors()[1], std::sqrt(1.0 + o.GetNs()[1] * 3.0), 1e-10);
+    EXPECT_GT(o.GetBayesFactors()[0], 0.0);
+}
+
+TEST(Related, ConstantAndEmptyPairs) {
+    const std::vector<double> a = {1.0, 2.0, 3.0, 4.0, 6.0};
+    const std::vector<double> shifted = {3.0, 4.0, 5.0, 6.0, 8.0};  // a + 2: constant difference
+    const std::vector<double> b = {2.5, 1.0, 4.0, 3.5, 7.5};
+    const std::vector<double> holes = {kMiss, 5.0, kMiss, kMiss, kMiss};  // at most one complete case
+    BSNSettings s = relatedSettings({0, 0, 0, 0}, {1, 0, 2, 3}, BC::Both);
+    s.SetAlterGValues({1.0, 1.0, 1.0, 1.0});
+    NormalRun r(s, {a, shifted, b, holes});
+    ASSERT_TRUE(r.status.IsOK()) << r.status.GetCode();
+    const auto& o = output(r);
+
+    const auto& warnings = r.component.GetWarningMessages();
+    ASSERT_EQ(r.warningCodes(), (std::vector<int>{410028, 410028, 410029}));
+    EXPECT_EQ(warnings.Get(0).GetDiscreteDatum(0), 0);
+    EXPECT_EQ(warnings.Get(1).GetDiscreteDatum(0), 1);  // a variable paired with itself
+    EXPECT_EQ(warnings.Get(2).GetDiscreteDatum(0), 3);
+
+    for (int p : {0, 1}) {
+        EXPECT_EQ(o.GetStdDevs()[p], 0.0);
+        EXPECT_EQ(o.GetEMs()[p], 0.0);
+        EXPECT_DOUBLE_EQ(o.GetNs()[p], 5.0);
+        EXPECT_DOUBLE_EQ(o.GetDFValues()[p], 4.0);
+        EXPECT_EQ(o.GetTValues()[p], kMiss);
+        EXPECT_EQ(o.GetSigs()[p], kMiss);
+        EXPECT_EQ(o.GetBayesFactors()[p], kMiss);
+        EXPECT_EQ(o.GetPostMeanValues()[p], kMiss);
+        EXPECT_TRUE(o.GetPlotPosterior()[p].empty());
+    }
+    EXPECT_DOUBLE_EQ(o.GetMeanValues()[0], -2.0);
+    EXPECT_DOUBLE_EQ(o.GetMeanValues()[1], 0.0);
+    // Too few cases: every statistic of the pair stays missing.
+    for (const auto* v : {&o.GetNs(), &o.GetDFValues(), &o.GetMeanValues(), &o.GetStdDevs(), &o.GetEMs(),
+                          &o.GetTValues(), &o.GetBayesFactors(), &o.GetPostMeanValues()})
+        EXPECT_EQ((*v)[3], kMiss);
+    // The ordinary pair is unaffected.
+    EXPECT_FALSE(MCMV::IsMissing(o.GetTValues()[2]));
+    EXPECT_FALSE(MCMV::IsMissing(o.GetPostMeanValues()[2]));
+
+    // A difference constant but for the rounding of the stored values
+    // (second = first + 0.1 in floating point) is constant too, not a
+    // spread of 1e-16 that would give an absurd t.
+    std::vector<double> x = {7.7, 22.8, 78.0, 31.9, 43.8, 97.8}, y;
+    for (double v : x) y.push_back(v + 0.1);
+    NormalRun near(relatedSettings({0}, {1}, BC::Both), {x, y});
+    EXPECT_EQ(near.warningCodes(), std::vector<int>{410028});
+    EXPECT_EQ(output(near).GetStdDevs()[0], 0.0);
+    EXPECT_EQ(output(near).GetTValues()[0], kMiss);
+    EXPECT_NEAR(output(near).GetMeanValues()[0], -0.1, 1e-12);
+}
+
+TEST(Related, ListErrorsNoRecordsAndCancellation) {
+    const std::vector<std::vector<double>> cols = {{1, 2, 3, 4}, {2, 2, 5, 1}, {0, 1, 0, 1}};
+    {
+        // Lists of lengths 2 and 3: error before any record is read.
+        BSNSettings s = relatedSettings({0, 1, 2}, {1, 2, 0}, BC::Both);
+        s.SetCovariates({0, 1});
+        CountingIter iter(cols);
+        MCBSN_850::BSNComponent c(s, makeVarList(3));
+        const auto st = c.BuildModel(iter);
+        EXPECT_EQ(st.GetCode(), 410019);
+        EXPECT_TRUE(st.IsError());
+        EXPECT_EQ(iter.advances, 0);
+        EXPECT_FALSE(c.IsModelBuilt());
+        EXPECT_EQ(c.GetOutputStats(), nullptr);
+
+        BSNSettings empty = relatedSettings({}, {}, BC::Both);
+        MCBSN_850::BSNComponent e(empty, makeVarList(3));
+        EXPECT_EQ(e.BuildModel(iter).GetCode(), 410019);
+        EXPECT_EQ(iter.advances, 0);
+    }
+    {
+        NormalRun r(relatedSettings({0}, {1}, BC::Posterior), {std::vector<double>{}, std::vector<double>{}});
+        EXPECT_EQ(r.status.GetCode(), 410003);
+        EXPECT_EQ(r.component.GetOutputStats(), nullptr);
+    }
+    {
+        // A g list of the wrong length for a known-variance factor.
+        BSNSettings s = relatedSettings({0}, {1}, BC::BayesFactor);
+        s.SetDataVarVals({1.0});
+        s.SetAlterGValues({1.0, 2.0});
+        NormalRun r(s, cols);
+        EXPECT_EQ(r.status.GetCode(), 410019);
+        EXPECT_FALSE(r.component.IsModelBuilt());
+    }
+    for (int frequency : {1, 100}) {
+        // Cancelled inside the pass (report after record 1) or right after
+        // it (final report): both end with the bare cancellation status.
+        MCCommon_850::MCAtomicCancel cancel;
+        CancellingListener listener(cancel, 1);
+        BSNSettings s = relatedSettings({0}, {1}, BC::Both);
+        s.SetCancelPointer(&cancel);
+        s.SetProgressListener(&listener);
+        s.SetProgressFrequency(frequency);
+        s.SetAlterGValues({1.0});
+        NormalRun r(s, cols);
+        EXPECT_EQ(r.status.GetCode(), 1);
+        EXPECT_TRUE(r.status.IsError());
+        EXPECT_FALSE(r.component.IsModelBuilt());
+        EXPECT_EQ(r.component.GetOutputStats(), nullptr);
+        EXPECT_EQ(listener.records, std::vector<int>{frequency == 1 ? 1 : 4});
+    }
+}
+
+TEST(Related, AnalysisTypesFillOnlyTheirResults) {
+    const std::vector<std::vector<double>> cols = {{1, 2, 3, 4, 5}, {2, 2, 5, 1, 3}};
+    NormalRun post(relatedSettings({0}, {1}, BC::Posterior), cols);
+    ASSERT_TRUE(post.status.IsOK());
+    const auto& p = output(post);
+    EXPECT_TRUE(p.GetBayesFactors().empty());
+    EXPECT_TRUE(p.GetTValues().empty());
+    EXPECT_TRUE(p.GetSigs().empty());
+    EXPECT_EQ(p.GetPostMeanValues().size(), 1u);
+
+    BSNSettings s = relatedSettings({0}, {1}, BC::BayesFactor);
+    s.SetAlterGValues({1.0});
+    NormalRun bf(s, cols);
+    ASSERT_TRUE(bf.status.IsOK());
+    const auto& b = output(bf);
+    EXPECT_EQ(b.GetBayesFactors().size(), 1u);
+    EXPECT_TRUE(b.GetPostMeanValues().empty());
+    EXPECT_TRUE(b.GetPlotArguments4Posterior().empty());
+    EXPECT_NEAR(b.GetMeanValues()[0], 0.4, 1e-12);
+
+    // Progress every 2 of 4 records: 2 and 4, the end not reported twice.
+    MCCommon_850::MCAtomicCancel cancel;
+    CancellingListener listener(cancel, 1000);
+    BSNSettings withListener = relatedSettings({0}, {1}, BC::Posterior);
+    withListener.SetProgressListener(&listener);
+    withListener.SetProgressFrequency(2);
+    NormalRun counted(withListener, {{1, 2, 3, 4}, {2, 2, 5, 1}});
+    EXPECT_TRUE(counted.status.IsOK());
+    EXPECT_EQ(listener.records, (std::vector<int>{2, 4}));
+
+    std::ostringstream dump;
+    bf.component.Display(dump);
+    EXPECT_NE(dump.str().find("BSN2SampleRelated display start"), std::string::npos);
+    EXPECT_NE(dump.str().find("End of display BSN2SampleRelatedOutputStats object"), std::string::npos);
+}
