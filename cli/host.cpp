@@ -21,6 +21,7 @@
 #include "cli/resultview.h"
 #include "cli/settingsjson.h"
 #include "cli/svgplot.h"
+#include "platform/common/mcmessages.h"
 #include "platform/records/csvrecorditer.h"
 
 namespace bsncli {
@@ -38,6 +39,7 @@ std::string StatusMessage(int code) {
     std::string text;
     MCBSN_850::BSNComponentDisplay::ParseErrCodeToStr(code, text);
     if (!text.empty()) return text;
+    if (MCCommon_850::PlatformMessage(code, text)) return text;
     if (code == 1) return "The analysis was cancelled";
     return fmt::format("status code {}", code);
 }

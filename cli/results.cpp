@@ -9,6 +9,10 @@ bool DescribeResult(const MCBSN_850::BSNOutputStats& result, const DataInfo& dat
         return DescribeBinomial(result, data, view);
     case MCBSN_850::BSNConst::Output1SamplePoisson:
         return DescribePoisson(result, data, view);
+    case MCBSN_850::BSNConst::Output1SampleNormal:
+        return DescribeNormal(result, data, view);
+    case MCBSN_850::BSNConst::Output2SampleRelated:
+        return DescribeRelated(result, data, view);
     default:
         return false;
     }

@@ -470,3 +470,13 @@ TEST(Host, BinaryWritesJsonToStdoutAndExamplesRun) {
     }
     if (ran == 0) GTEST_SKIP() << "no example's analysis is in this build";
 }
+
+TEST(Host, StatusMessagesComeFromTheTablesOrSayTheCode) {
+    EXPECT_EQ(bsncli::StatusMessage(0), "");
+    EXPECT_EQ(bsncli::StatusMessage(410003), "Error: No valid cases were found");
+    EXPECT_EQ(bsncli::StatusMessage(420001),
+              "Warning: numerical integration did not converge within the iteration limit");
+    EXPECT_EQ(bsncli::StatusMessage(1), "The analysis was cancelled");
+    EXPECT_EQ(bsncli::StatusMessage(410005), "status code 410005");  // an unassigned code
+    EXPECT_EQ(bsncli::StatusMessage(999), "status code 999");
+}
