@@ -29,9 +29,10 @@ public:
     const std::vector<double>& GetTrials() const { return m_trials; }
     // Successes x: sum of value times weight.
     const std::vector<double>& GetSuccesses() const { return m_successes; }
-    // Whole cases (sum of the whole-number weights); a double so that large
-    // weights cannot overflow an integer.
-    const std::vector<double>& GetCaseCounts() const { return m_caseCounts; }
+    // Whole cases (sum of the whole-number weights). Weights reach Update
+    // already rounded to whole numbers, so this is the trial count itself;
+    // a double so that large weights cannot overflow an integer.
+    const std::vector<double>& GetCaseCounts() const { return m_trials; }
     // Records (unweighted) whose value is 0.
     const std::vector<int>& GetZeroCounts() const { return m_zeroCounts; }
 
@@ -41,7 +42,6 @@ private:
     std::vector<int> m_varIndices;
     std::vector<double> m_trials;
     std::vector<double> m_successes;
-    std::vector<double> m_caseCounts;
     std::vector<int> m_zeroCounts;
 };
 

@@ -1,5 +1,7 @@
 #include "platform/records/csvrecorditer.h"
 
+#include <cstdint>
+
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -54,6 +56,46 @@ struct TextHash {
 
 bool CsvIsMissingText(std::string_view text) { return text.empty() || text == "NA" || text == "."; }
 
+namespace {
+
+// Plain decimals ("12", "-0.375") with at most 15 digits and no exponent are
+// converted here exactly: the digits form an integer below 2^53 and the
+// power of ten is exact, so one IEEE division gives the correctly rounded
+// value, the same as from_chars. Anything else returns false and goes to
+// from_chars. This matters for speed: most data fields are short numbers,
+// and the general routine costs several times more per field.
+bool parsePlainDecimal(const char* p, const char* e, double& out) {
+    static constexpr double kPow10[] = {1e0, 1e1, 1e2,  1e3,  1e4,  1e5,  1e6,  1e7,
+                                        1e8, 1e9, 1e10, 1e11, 1e12, 1e13, 1e14, 1e15};
+    bool negative = false;
+    if (p < e && *p == '-') {
+        negative = true;
+        ++p;
+    }
+    std::uint64_t mantissa = 0;
+    int digits = 0, fraction = 0;
+    bool dot = false;
+    for (; p < e; ++p) {
+        const unsigned d = static_cast<unsigned>(*p - '0');
+        if (d < 10) {
+            if (++digits > 15) return false;
+            mantissa = mantissa * 10 + d;
+            fraction += dot ? 1 : 0;
+        } else if (*p == '.' && !dot) {
+            dot = true;
+        } else {
+            return false;
+        }
+    }
+    if (digits == 0) return false;
+    double v = static_cast<double>(mantissa);
+    if (fraction > 0) v /= kPow10[fraction];
+    out = negative ? -v : v;
+    return true;
+}
+
+} // namespace
+
 bool CsvParseNumber(std::string_view text, double& value) {
     text = trim(text);
     if (CsvIsMissingText(text)) {
@@ -63,6 +105,7 @@ bool CsvParseNumber(std::string_view text, double& value) {
     const char* first = text.data();
     const char* last = first + text.size();
     if (*first == '+' && last - first > 1 && first[1] != '-') ++first;
+    if (parsePlainDecimal(first, last, value)) return true;
     double v = 0.0;
     const auto [ptr, ec] = std::from_chars(first, last, v);
     // from_chars accepts "inf" and "nan"; neither can be used as data.
