@@ -151,7 +151,7 @@ ordered_json writeColumnList(const std::vector<int>& v, const std::vector<std::s
 
 // --- the key table -------------------------------------------------------------
 
-struct KeySpec {
+struct SettingKey {
     std::string key;
     std::string kind;
     std::function<void(BSNSettings&, const json&, const Context&)> apply;
@@ -173,68 +173,68 @@ void setChecked(BSNSettings& s, Get get, Set set, const T& value, const Context&
 }
 
 template <class T, class Get, class Set, class Read, class Write>
-KeySpec makeKey(std::string key, std::string kind, Get get, Set set, Read read, Write write,
+SettingKey makeKey(std::string key, std::string kind, Get get, Set set, Read read, Write write,
                 const char* rule = "not accepted by the settings record") {
-    KeySpec spec;
-    spec.key = std::move(key);
-    spec.kind = std::move(kind);
-    spec.apply = [get, set, read, rule](BSNSettings& s, const json& j, const Context& ctx) {
+    SettingKey entry;
+    entry.key = std::move(key);
+    entry.kind = std::move(kind);
+    entry.apply = [get, set, read, rule](BSNSettings& s, const json& j, const Context& ctx) {
         const T value = read(j, ctx);
         setChecked<T>(s, get, set, value, ctx, rule);
     };
-    spec.write = [get, write](const BSNSettings& s, const std::vector<std::string>& columns) {
+    entry.write = [get, write](const BSNSettings& s, const std::vector<std::string>& columns) {
         return write(std::invoke(get, s), columns);
     };
-    return spec;
+    return entry;
 }
 
 template <class Get, class Set>
-KeySpec intKey(std::string key, Get get, Set set, const char* rule = "not accepted by the settings record") {
+SettingKey intKey(std::string key, Get get, Set set, const char* rule = "not accepted by the settings record") {
     return makeKey<int>(std::move(key), "whole number", get, set, readInt,
                         [](int v, const std::vector<std::string>&) { return ordered_json(v); }, rule);
 }
 
 template <class Get, class Set>
-KeySpec doubleKey(std::string key, Get get, Set set, const char* rule = "not accepted by the settings record") {
+SettingKey doubleKey(std::string key, Get get, Set set, const char* rule = "not accepted by the settings record") {
     return makeKey<double>(std::move(key), "number or null", get, set, readDouble,
                            [](double v, const std::vector<std::string>&) { return writeDouble(v); }, rule);
 }
 
 template <class Get, class Set>
-KeySpec boolKey(std::string key, Get get, Set set) {
+SettingKey boolKey(std::string key, Get get, Set set) {
     return makeKey<bool>(std::move(key), "true or false", get, set, readBool,
                          [](bool v, const std::vector<std::string>&) { return ordered_json(v); });
 }
 
 template <class Get, class Set>
-KeySpec doubleListKey(std::string key, Get get, Set set) {
+SettingKey doubleListKey(std::string key, Get get, Set set) {
     return makeKey<std::vector<double>>(
         std::move(key), "array of numbers (null for missing)", get, set, readDoubleList,
         [](const std::vector<double>& v, const std::vector<std::string>&) { return writeDoubleList(v); });
 }
 
 template <class Get, class Set>
-KeySpec intListKey(std::string key, Get get, Set set, const char* rule = "not accepted by the settings record") {
+SettingKey intListKey(std::string key, Get get, Set set, const char* rule = "not accepted by the settings record") {
     return makeKey<std::vector<int>>(
         std::move(key), "array of whole numbers", get, set, readIntList,
         [](const std::vector<int>& v, const std::vector<std::string>&) { return ordered_json(v); }, rule);
 }
 
 template <class Get, class Set>
-KeySpec columnListKey(std::string key, Get get, Set set, const char* rule = "not accepted by the settings record") {
+SettingKey columnListKey(std::string key, Get get, Set set, const char* rule = "not accepted by the settings record") {
     return makeKey<std::vector<int>>(std::move(key), "array of column names", get, set, readColumnList,
                                      writeColumnList, rule);
 }
 
 // A single variable: null (or leaving the key out) means none.
 template <class Get, class Set>
-KeySpec columnKey(std::string key, Get get, Set set) {
-    KeySpec spec = makeKey<int>(std::move(key), "column name or null", get, set, readColumn, writeColumn);
-    auto apply = spec.apply;
-    spec.apply = [apply](BSNSettings& s, const json& j, const Context& ctx) {
+SettingKey columnKey(std::string key, Get get, Set set) {
+    SettingKey entry = makeKey<int>(std::move(key), "column name or null", get, set, readColumn, writeColumn);
+    auto apply = entry.apply;
+    entry.apply = [apply](BSNSettings& s, const json& j, const Context& ctx) {
         if (!j.is_null()) apply(s, j, ctx);
     };
-    return spec;
+    return entry;
 }
 
 template <class E>
@@ -260,18 +260,18 @@ E readEnum(const json& j, const Context& ctx, int count) {
 }
 
 template <class E, class Get, class Set>
-KeySpec enumKey(std::string key, Get get, Set set, int count) {
+SettingKey enumKey(std::string key, Get get, Set set, int count) {
     return makeKey<E>(
         std::move(key), enumKind<E>(count), get, set,
         [count](const json& j, const Context& ctx) { return readEnum<E>(j, ctx, count); },
         [](E v, const std::vector<std::string>&) { return ordered_json(static_cast<int>(v)); });
 }
 
-KeySpec fTestsKey() {
-    KeySpec spec;
-    spec.key = "FTests";
-    spec.kind = "array of objects {UseIntercept: true/false, Predictors: [columns], TestValues: [numbers], Label: text}";
-    spec.apply = [](BSNSettings& s, const json& j, const Context& ctx) {
+SettingKey fTestsKey() {
+    SettingKey entry;
+    entry.key = "FTests";
+    entry.kind = "array of objects {UseIntercept: true/false, Predictors: [columns], TestValues: [numbers], Label: text}";
+    entry.apply = [](BSNSettings& s, const json& j, const Context& ctx) {
         std::vector<BayesFTest> tests;
         for (const json& item : readArray(j, ctx)) {
             Context at{fmt::format("{}[{}]", ctx.key, tests.size()), ctx.columns};
@@ -293,7 +293,7 @@ KeySpec fTestsKey() {
         }
         s.SetFTests(tests);
     };
-    spec.write = [](const BSNSettings& s, const std::vector<std::string>& columns) {
+    entry.write = [](const BSNSettings& s, const std::vector<std::string>& columns) {
         ordered_json out = ordered_json::array();
         for (const BayesFTest& t : s.GetFTests()) {
             ordered_json o;
@@ -305,17 +305,17 @@ KeySpec fTestsKey() {
         }
         return out;
     };
-    return spec;
+    return entry;
 }
 
 const char* const kSizesRule = "it needs one entry, above 0, per entry of the matching factor list";
 
 // Every key, in the settings record's field order, which is also the order in
 // which they are applied (ModelType first).
-const std::vector<KeySpec>& keyTable() {
+const std::vector<SettingKey>& keyTable() {
     using S = BSNSettings;
-    static const std::vector<KeySpec> table = [] {
-        std::vector<KeySpec> t;
+    static const std::vector<SettingKey> table = [] {
+        std::vector<SettingKey> t;
         // The model type also resets the defaults that depend on it, so it
         // comes first and the file's own values for those fields win.
         t.push_back(enumKey<C::ModelTypes>(
@@ -428,12 +428,12 @@ BSNSettings SettingsFromJson(const json& j, const std::vector<std::string>& colu
     const auto& table = keyTable();
     for (const auto& [key, value] : j.items()) {
         (void)value;
-        const auto known = std::find_if(table.begin(), table.end(), [&](const KeySpec& k) { return k.key == key; });
+        const auto known = std::find_if(table.begin(), table.end(), [&](const SettingKey& k) { return k.key == key; });
         if (known != table.end()) continue;
         if (std::find(kHostOnlyKeys.begin(), kHostOnlyKeys.end(), key) != kHostOnlyKeys.end())
             throw InputError(fmt::format("settings key '{}' cannot be given in a settings file", key));
         std::string hint;
-        for (const KeySpec& k : table) {
+        for (const SettingKey& k : table) {
             std::string bare = key;
             if (bare.rfind("Get", 0) == 0) bare = bare.substr(3);
             else if (bare.rfind("Is", 0) == 0) bare = bare.substr(2);
@@ -443,7 +443,7 @@ BSNSettings SettingsFromJson(const json& j, const std::vector<std::string>& colu
     }
     BSNSettings settings;
     if (givenKeys) givenKeys->clear();
-    for (const KeySpec& k : table) {
+    for (const SettingKey& k : table) {
         const auto it = j.find(k.key);
         if (it == j.end()) continue;
         k.apply(settings, *it, Context{k.key, &columns});
@@ -454,7 +454,7 @@ BSNSettings SettingsFromJson(const json& j, const std::vector<std::string>& colu
 
 ordered_json SettingsToJson(const BSNSettings& settings, const std::vector<std::string>& columns) {
     ordered_json out = ordered_json::object();
-    for (const KeySpec& k : keyTable()) out[k.key] = k.write(settings, columns);
+    for (const SettingKey& k : keyTable()) out[k.key] = k.write(settings, columns);
     return out;
 }
 
@@ -462,7 +462,7 @@ std::string SettingsKeysHelp() {
     // Two columns, the second wrapped at word boundaries to fit 80 columns.
     constexpr std::size_t kIndent = 29, kWidth = 79;
     std::string out;
-    for (const KeySpec& k : keyTable()) {
+    for (const SettingKey& k : keyTable()) {
         std::string line = fmt::format("  {:<{}}", k.key, kIndent - 3) + " ";
         std::size_t pos = 0;
         const std::string& text = k.kind;
