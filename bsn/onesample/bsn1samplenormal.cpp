@@ -48,7 +48,7 @@ MCStatus BSN1SampleNormal::init() {
     const std::size_t nVars = m_settings.GetCovariates().size();
     if (nVars == 0) return MCStatus(410004, false);
     m_stats.assign(nVars, MCMath_850::MCContStats());
-    for (auto* v : {&m_means, &m_stdDevs, &m_stdErrors, &m_dfs, &m_ns}) v->assign(nVars, MCMV::Missing());
+    ResetBasicStats(nVars);
     return {};
 }
 
@@ -58,7 +58,7 @@ MCStatus BSN1SampleNormal::ComputeBasicStats(MCCommon_850::MultiPassRecordIter& 
     const std::size_t nVars = vars.size();
     // Fresh accumulators, so that a repeated pass never counts a case twice.
     m_stats.assign(nVars, MCMath_850::MCContStats());
-    for (auto* v : {&m_means, &m_stdDevs, &m_stdErrors, &m_dfs, &m_ns}) v->assign(nVars, MCMV::Missing());
+    ResetBasicStats(nVars);
 
     // Each variable takes every case where it has a value, whatever the
     // other test variables hold: missing values are excluded analysis by
@@ -141,15 +141,7 @@ void BSN1SampleNormal::Display(std::ostream& os) const {
     BSNComponentDisplay::DisplayStatus("Status", m_status);
     BSNComponentDisplay::DisplayVStatus("Warnings", m_warnings.GetAll());
     for (const auto& s : m_stats) s.Display(os);
-    DisplayDV("Means", m_means);
-    DisplayDV("Standard Deviations", m_stdDevs);
-    DisplayDV("Standard Error Means", m_stdErrors);
-    DisplayDV("Degrees of Freedom", m_dfs);
-    DisplayDV("Ns", m_ns);
-    DisplayDV("Bayes Factors", m_factors);
-    DisplayDV("T Values", m_tValues);
-    DisplayDV("Significances", m_sigs);
-    m_posterior.Display();
+    DisplayResults("Means");
     if (m_factor) m_factor->Display(os);
     if (m_inference) m_inference->Display(os);
     if (m_outputStats) m_outputStats->Display(os);

@@ -85,7 +85,7 @@ MCStatus BSN2SampleRelated::ComputeBasicStats(MCCommon_850::MultiPassRecordIter&
     const std::vector<int>& second = m_settings.Get2ndRelatedList();
     const std::size_t nPairs = std::min(first.size(), second.size());
     m_pairStats.assign(nPairs, MCMath_850::MCMeansXProdData(2));
-    for (auto* v : {&m_means, &m_stdDevs, &m_stdErrors, &m_dfs, &m_ns}) v->assign(nPairs, MCMV::Missing());
+    ResetBasicStats(nPairs);
 
     // A case counts for a pair only when both of its members are present;
     // the frame's pass already drops records whose weight rounds to 0.
@@ -194,15 +194,7 @@ void BSN2SampleRelated::Display(std::ostream& os) const {
     BSNComponentDisplay::DisplayStatus("Status", m_status);
     BSNComponentDisplay::DisplayVStatus("Warnings", m_warnings.GetAll());
     for (const auto& s : m_pairStats) s.Display(os);
-    DisplayDV("Mean Differences", m_means);
-    DisplayDV("Standard Deviations", m_stdDevs);
-    DisplayDV("Standard Error Means", m_stdErrors);
-    DisplayDV("Degrees of Freedom", m_dfs);
-    DisplayDV("Ns", m_ns);
-    DisplayDV("Bayes Factors", m_factors);
-    DisplayDV("T Values", m_tValues);
-    DisplayDV("Significances", m_sigs);
-    m_posterior.Display();
+    DisplayResults("Mean Differences");
     if (m_inference) m_inference->Display(os);
     if (m_outputStats) m_outputStats->Display(os);
     DisplayText(0, "End of display BSN2SampleRelated object");

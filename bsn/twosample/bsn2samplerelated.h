@@ -12,43 +12,21 @@
 
 #include "bsn/frame/bsnalgorithm.h"
 #include "bsn/onesample/bsn1samplenormalinference.h"
+#include "bsn/onesample/bsnnormalmeanresults.h"
 #include "platform/stats/mcmeansxproddata.h"
 
 namespace MCBSN_850 {
 
-class BSN2SampleRelated : public BSNAlgorithm {
+class BSN2SampleRelated : public BSNAlgorithm, public BSNNormalMeanResults {
 public:
-    using Curves = std::vector<std::vector<double>>;
-
     BSN2SampleRelated(const BSNSettings& settings, const MCXML_850::MCVarList& varList);
     ~BSN2SampleRelated() override;
 
     MCCommon_850::MCStatus BuildModel(MCCommon_850::MultiPassRecordIter& iter) override;
     void Display(std::ostream& os) const override;
 
-    // Per pair, in list order; missing where a value could not be computed.
-    // Means are mean differences. The Bayes-factor, t and significance
-    // vectors stay empty unless factors were asked for, the posterior
-    // vectors and curves unless the posterior was.
-    const std::vector<double>& GetMeans() const { return m_means; }
-    const std::vector<double>& GetStdDeviations() const { return m_stdDevs; }
-    const std::vector<double>& GetStdErrorMeans() const { return m_stdErrors; }
-    const std::vector<double>& GetFactors() const { return m_factors; }
-    const std::vector<double>& GetTtests() const { return m_tValues; }
-    const std::vector<double>& GetDfs() const { return m_dfs; }
-    const std::vector<double>& GetNs() const { return m_ns; }
-    const std::vector<double>& GetSigs() const { return m_sigs; }
-    const std::vector<double>& getModeValues() const { return m_posterior.modes; }
-    const std::vector<double>& getPostMeanValues() const { return m_posterior.postMeans; }
-    const std::vector<double>& getVariances() const { return m_posterior.variances; }
-    const std::vector<double>& getLowerimits() const { return m_posterior.lowerLimits; }
-    const std::vector<double>& getUpperLimits() const { return m_posterior.upperLimits; }
-    const Curves& GetPlotArguments4Likelihoods() const { return m_posterior.argsLikelihood; }
-    const Curves& GetPlotArguments4Prior() const { return m_posterior.argsPrior; }
-    const Curves& GetPlotArguments4Posterior() const { return m_posterior.argsPosterior; }
-    const Curves& GetPlotLikelihoods() const { return m_posterior.likelihoods; }
-    const Curves& GetPlotPosterior() const { return m_posterior.posteriors; }
-    const Curves& GetPlotPrior() const { return m_posterior.priors; }
+    // The results (BSNNormalMeanResults getters) have one entry per pair, in
+    // list order; the means are mean differences.
 
     // The steps of BuildModel, public so that each can be exercised alone.
     // The data pass and the difference statistics of every pair; error 1
@@ -71,17 +49,6 @@ public:
 private:
     std::vector<MCMath_850::MCMeansXProdData> m_pairStats;
     std::unique_ptr<BSN1SampleNormalInference> m_inference;
-
-    std::vector<double> m_means;
-    std::vector<double> m_stdDevs;
-    std::vector<double> m_stdErrors;
-    std::vector<double> m_dfs;
-    std::vector<double> m_ns;
-
-    std::vector<double> m_factors;
-    std::vector<double> m_tValues;
-    std::vector<double> m_sigs;
-    BSN1SampleNormalInference::Results m_posterior;
 };
 
 } // namespace MCBSN_850

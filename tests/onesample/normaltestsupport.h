@@ -2,13 +2,17 @@
 // Shared pieces of the normal-mean procedure tests: running a component on
 // in-memory columns, a cancelling progress listener, and reference
 // computations (weighted moments straight from the data, the posterior of a
-// mean by brute-force integration of likelihood x prior on a grid).
+// mean by brute-force integration of likelihood x prior on a grid). A test
+// file takes everything with `using namespace normaltest;`, the short names
+// BC (settings enumerations) and bm (Boost.Math) included.
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <boost/math/distributions/students_t.hpp>
 #include <cmath>
 #include <functional>
 #include <memory>
+#include <stdexcept>
 #include <vector>
 
 #include "bsn/frame/bsncomponent.h"
@@ -20,7 +24,11 @@
 
 namespace normaltest {
 
+using MCBSN_850::BSNSettings;
 using MCCommon_850::MCMV;
+namespace BC = MCBSN_850::BSNConst;
+namespace bm = boost::math;
+
 inline const double kMiss = MCMV::Missing();
 
 inline MCXML_850::MCVarList makeVarList(int n) {
@@ -40,6 +48,13 @@ struct NormalRun {
     template <class Out>
     const Out* out() const {
         return dynamic_cast<const Out*>(component.GetOutputStats());
+    }
+    // The result object, which must be there and of class Out.
+    template <class Out>
+    const Out& result() const {
+        const Out* o = out<Out>();
+        if (o == nullptr) throw std::runtime_error("no result object");
+        return *o;
     }
     std::vector<int> warningCodes() const {
         std::vector<int> codes;

@@ -4,7 +4,6 @@
 // analysis type, cancellation and the result object.
 #include <gtest/gtest.h>
 
-#include <boost/math/distributions/students_t.hpp>
 #include <cmath>
 #include <sstream>
 #include <vector>
@@ -14,9 +13,6 @@
 
 using namespace normaltest;
 using MCBSN_850::BSN1SampleNormOutputStats;
-using MCBSN_850::BSNSettings;
-namespace BC = MCBSN_850::BSNConst;
-namespace bm = boost::math;
 
 namespace {
 
@@ -31,11 +27,7 @@ BSNSettings normalSettings(std::vector<int> vars, BC::AnalysTypes type) {
     return s;
 }
 
-const BSN1SampleNormOutputStats& output(const NormalRun& r) {
-    const auto* o = r.out<BSN1SampleNormOutputStats>();
-    if (o == nullptr) throw std::runtime_error("no result object");
-    return *o;
-}
+const BSN1SampleNormOutputStats& output(const NormalRun& r) { return r.result<BSN1SampleNormOutputStats>(); }
 
 } // namespace
 

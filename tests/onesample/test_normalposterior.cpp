@@ -5,7 +5,6 @@
 #include <gtest/gtest.h>
 
 #include <boost/math/distributions/normal.hpp>
-#include <boost/math/distributions/students_t.hpp>
 #include <cmath>
 #include <numbers>
 #include <vector>
@@ -15,9 +14,6 @@
 
 using namespace normaltest;
 using MCBSN_850::BSN1SampleNormOutputStats;
-using MCBSN_850::BSNSettings;
-namespace BC = MCBSN_850::BSNConst;
-namespace bm = boost::math;
 
 namespace {
 

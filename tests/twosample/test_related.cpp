@@ -4,7 +4,6 @@
 // posterior, and its own messages.
 #include <gtest/gtest.h>
 
-#include <boost/math/distributions/students_t.hpp>
 #include <cmath>
 #include <sstream>
 #include <vector>
@@ -14,9 +13,6 @@
 
 using namespace normaltest;
 using MCBSN_850::BSN2SampleRelatedOutputStats;
-using MCBSN_850::BSNSettings;
-namespace BC = MCBSN_850::BSNConst;
-namespace bm = boost::math;
 
 namespace {
 
@@ -32,11 +28,7 @@ BSNSettings relatedSettings(std::vector<int> first, std::vector<int> second, BC:
     return s;
 }
 
-const BSN2SampleRelatedOutputStats& output(const NormalRun& r) {
-    const auto* o = r.out<BSN2SampleRelatedOutputStats>();
-    if (o == nullptr) throw std::runtime_error("no result object");
-    return *o;
-}
+const BSN2SampleRelatedOutputStats& output(const NormalRun& r) { return r.result<BSN2SampleRelatedOutputStats>(); }
 
 // Differences first - second over the rows where both are present, with
 // their weights.

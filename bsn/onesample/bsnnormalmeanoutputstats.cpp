@@ -1,0 +1,173 @@
+#include "bsn/onesample/bsnnormalmeanoutputstats.h"
+
+#include "bsn/onesample/bsnnormalmeanresults.h"
+#include "platform/common/mcmv.h"
+#include "platform/display/mcdisplay.h"
+
+namespace MCBSN_850 {
+
+namespace {
+
+// Results reach the host only through here: anything that is not a finite
+// number becomes the system-missing value.
+std::vector<double> clean(const std::vector<double>& v) {
+    std::vector<double> out(v);
+    for (double& x : out) x = MCCommon_850::MCMV::Sanitize(x);
+    return out;
+}
+
+std::vector<std::vector<double>> clean(const std::vector<std::vector<double>>& v) {
+    std::vector<std::vector<double>> out;
+    out.reserve(v.size());
+    for (const auto& inner : v) out.push_back(clean(inner));
+    return out;
+}
+
+} // namespace
+
+class BSN1SampleNormOutputStatsImp {
+public:
+    explicit BSN1SampleNormOutputStatsImp(const BSNSettings& s) : settings(s) {}
+
+    BSNSettings settings;
+    std::vector<int> varIndices;
+    std::vector<double> bayesFactors;
+    std::vector<double> ns;
+    std::vector<double> stdDevs;
+    std::vector<double> stdErrors;
+    std::vector<double> dfs;
+    std::vector<double> sigs;
+    std::vector<double> tValues;
+    std::vector<double> modes;
+    std::vector<double> postMeans;
+    std::vector<double> variances;
+    std::vector<double> lowerLimits;
+    std::vector<double> upperLimits;
+    std::vector<double> means;
+    std::vector<std::vector<double>> argsLikelihood;
+    std::vector<std::vector<double>> argsPrior;
+    std::vector<std::vector<double>> argsPosterior;
+    std::vector<std::vector<double>> likelihoods;
+    std::vector<std::vector<double>> posteriors;
+    std::vector<std::vector<double>> priors;
+};
+
+BSNNormalMeanOutputStats::BSNNormalMeanOutputStats(const BSNSettings& settings)
+    : m_imp(std::make_unique<BSN1SampleNormOutputStatsImp>(settings)) {
+    m_imp->varIndices = settings.GetCovariates();
+}
+
+BSNNormalMeanOutputStats::BSNNormalMeanOutputStats(const BSNSettings& settings, const BSNNormalMeanResults& p)
+    : BSNNormalMeanOutputStats(settings) {
+    SetOutputValues(settings, settings.GetCovariates(), p.GetFactors(), p.GetNs(), p.GetStdDeviations(),
+                    p.GetStdErrorMeans(), p.GetDfs(), p.GetSigs(), p.GetTtests(), p.getModeValues(),
+                    p.getPostMeanValues(), p.getVariances(), p.getLowerimits(), p.getUpperLimits(), p.GetMeans());
+    SetPlotValues(p.GetPlotArguments4Likelihoods(), p.GetPlotArguments4Prior(), p.GetPlotArguments4Posterior(),
+                  p.GetPlotLikelihoods(), p.GetPlotPosterior(), p.GetPlotPrior());
+}
+
+BSNNormalMeanOutputStats::~BSNNormalMeanOutputStats() = default;
+
+BSNNormalMeanOutputStats::BSNNormalMeanOutputStats(const BSNNormalMeanOutputStats& other)
+    : BSNOutputStats(other), m_imp(std::make_unique<BSN1SampleNormOutputStatsImp>(*other.m_imp)) {}
+
+BSNNormalMeanOutputStats& BSNNormalMeanOutputStats::operator=(const BSNNormalMeanOutputStats& other) {
+    if (this != &other) *m_imp = *other.m_imp;
+    return *this;
+}
+
+void BSNNormalMeanOutputStats::SetOutputValues(
+    const BSNSettings& settings, const std::vector<int>& varIndices, const std::vector<double>& bayesFactors,
+    const std::vector<double>& ns, const std::vector<double>& stdDevs, const std::vector<double>& stdErrors,
+    const std::vector<double>& dfs, const std::vector<double>& sigs, const std::vector<double>& tValues,
+    const std::vector<double>& modes, const std::vector<double>& postMeans, const std::vector<double>& variances,
+    const std::vector<double>& lowerLimits, const std::vector<double>& upperLimits, const std::vector<double>& means) {
+    BSN1SampleNormOutputStatsImp& d = *m_imp;
+    d.settings = settings;
+    d.varIndices = varIndices;
+    d.bayesFactors = clean(bayesFactors);
+    d.ns = clean(ns);
+    d.stdDevs = clean(stdDevs);
+    d.stdErrors = clean(stdErrors);
+    d.dfs = clean(dfs);
+    d.sigs = clean(sigs);
+    d.tValues = clean(tValues);
+    d.modes = clean(modes);
+    d.postMeans = clean(postMeans);
+    d.variances = clean(variances);
+    d.lowerLimits = clean(lowerLimits);
+    d.upperLimits = clean(upperLimits);
+    d.means = clean(means);
+}
+
+void BSNNormalMeanOutputStats::SetPlotValues(const Curves& argsLikelihood, const Curves& argsPrior,
+                                              const Curves& argsPosterior, const Curves& likelihoods,
+                                              const Curves& posteriors, const Curves& priors) {
+    BSN1SampleNormOutputStatsImp& d = *m_imp;
+    d.argsLikelihood = clean(argsLikelihood);
+    d.argsPrior = clean(argsPrior);
+    d.argsPosterior = clean(argsPosterior);
+    d.likelihoods = clean(likelihoods);
+    d.posteriors = clean(posteriors);
+    d.priors = clean(priors);
+}
+
+const BSNSettings& BSNNormalMeanOutputStats::GetSettings() const { return m_imp->settings; }
+const std::vector<int>& BSNNormalMeanOutputStats::GetVarIndices() const { return m_imp->varIndices; }
+const std::vector<double>& BSNNormalMeanOutputStats::GetBayesFactors() const { return m_imp->bayesFactors; }
+const std::vector<double>& BSNNormalMeanOutputStats::GetNs() const { return m_imp->ns; }
+const std::vector<double>& BSNNormalMeanOutputStats::GetStdDevs() const { return m_imp->stdDevs; }
+const std::vector<double>& BSNNormalMeanOutputStats::GetEMs() const { return m_imp->stdErrors; }
+const std::vector<double>& BSNNormalMeanOutputStats::GetDFValues() const { return m_imp->dfs; }
+const std::vector<double>& BSNNormalMeanOutputStats::GetSigs() const { return m_imp->sigs; }
+const std::vector<double>& BSNNormalMeanOutputStats::GetTValues() const { return m_imp->tValues; }
+const std::vector<double>& BSNNormalMeanOutputStats::GetModeValues() const { return m_imp->modes; }
+const std::vector<double>& BSNNormalMeanOutputStats::GetPostMeanValues() const { return m_imp->postMeans; }
+const std::vector<double>& BSNNormalMeanOutputStats::GetVarianceValues() const { return m_imp->variances; }
+const std::vector<double>& BSNNormalMeanOutputStats::GetLowerLimits() const { return m_imp->lowerLimits; }
+const std::vector<double>& BSNNormalMeanOutputStats::GetMeanValues() const { return m_imp->means; }
+const std::vector<double>& BSNNormalMeanOutputStats::GetUpperLimits() const { return m_imp->upperLimits; }
+
+const BSNNormalMeanOutputStats::Curves& BSNNormalMeanOutputStats::GetPlotArguments4Likelihoods() const {
+    return m_imp->argsLikelihood;
+}
+const BSNNormalMeanOutputStats::Curves& BSNNormalMeanOutputStats::GetPlotArguments4Prior() const {
+    return m_imp->argsPrior;
+}
+const BSNNormalMeanOutputStats::Curves& BSNNormalMeanOutputStats::GetPlotArguments4Posterior() const {
+    return m_imp->argsPosterior;
+}
+const BSNNormalMeanOutputStats::Curves& BSNNormalMeanOutputStats::GetPlotLikelihoods() const {
+    return m_imp->likelihoods;
+}
+const BSNNormalMeanOutputStats::Curves& BSNNormalMeanOutputStats::GetPlotPosterior() const {
+    return m_imp->posteriors;
+}
+const BSNNormalMeanOutputStats::Curves& BSNNormalMeanOutputStats::GetPlotPrior() const { return m_imp->priors; }
+
+void BSNNormalMeanOutputStats::DisplayFields() const {
+    using namespace MCDisplay_850;
+    const BSN1SampleNormOutputStatsImp& d = *m_imp;
+    DisplayIV("Variable Indices", d.varIndices);
+    DisplayDV("Bayes Factors", d.bayesFactors);
+    DisplayDV("Ns", d.ns);
+    DisplayDV("Standard Deviations", d.stdDevs);
+    DisplayDV("Standard Error Means", d.stdErrors);
+    DisplayDV("Degrees of Freedom", d.dfs);
+    DisplayDV("Significances", d.sigs);
+    DisplayDV("T Values", d.tValues);
+    DisplayDV("Mode Values", d.modes);
+    DisplayDV("Posterior Mean Values", d.postMeans);
+    DisplayDV("Variance Values", d.variances);
+    DisplayDV("Lower Limits", d.lowerLimits);
+    DisplayDV("Upper Limits", d.upperLimits);
+    DisplayDV("Mean Values", d.means);
+    DisplayDVV("Plot Arguments for LogLikelihoods", d.argsLikelihood);
+    DisplayDVV("Plot Arguments for Prior", d.argsPrior);
+    DisplayDVV("Plot Arguments for Posterior", d.argsPosterior);
+    DisplayDVV("Plot LogLikelihoods", d.likelihoods);
+    DisplayDVV("Plot Posterior", d.posteriors);
+    DisplayDVV("Plot Prior", d.priors);
+}
+
+} // namespace MCBSN_850
