@@ -152,6 +152,19 @@ bool contains(const std::vector<int>& list, int value) {
 
 } // namespace
 
+// The binomial and Poisson tests share this preamble: the null priors default
+// to (2, 2) for every test variable, and a Bayes factor needs an alternative
+// prior for each; the error names the first test variable without one.
+MCStatus BSNSettings::preparePriorLists(const std::vector<int>& testVars) {
+    const std::size_t n = testVars.size();
+    padTo(m_nullPrior1s, n, 2.0);
+    padTo(m_nullPrior2s, n, 2.0);
+    if (m_analysType == Posterior) return {};
+    if (m_alterPrior1s.size() < n) return errorAt(410018, testVars[m_alterPrior1s.size()]);
+    if (m_alterPrior2s.size() < n) return errorAt(410018, testVars[m_alterPrior2s.size()]);
+    return {};
+}
+
 MCStatus BSNSettings::IsValidSettings() {
     const std::size_t nFactors = m_factors.size();
     const std::size_t nCovariates = m_covariates.size();
@@ -160,12 +173,7 @@ MCStatus BSNSettings::IsValidSettings() {
     case OneSample:
         if (m_testDistType == Binomial) {
             if (nFactors == 0 || nFactors != m_factorSizes.size()) return error(410031);
-            padTo(m_nullPrior1s, nFactors, 2.0);
-            padTo(m_nullPrior2s, nFactors, 2.0);
-            if (m_analysType != Posterior) {
-                if (m_alterPrior1s.size() < nFactors) return errorAt(410018, m_factors[m_alterPrior1s.size()]);
-                if (m_alterPrior2s.size() < nFactors) return errorAt(410018, m_factors[m_alterPrior2s.size()]);
-            }
+            if (const MCStatus s = preparePriorLists(m_factors); !s.IsOK()) return s;
             if (m_analysType == Posterior) return {};
             if (int i = badBinomialPair(m_alterPrior1s, m_alterPrior2s, nFactors); i >= 0) return errorAt(410018, i);
             if (int i = badBinomialPair(m_alterPrior2s, m_alterPrior1s, nFactors); i >= 0) return errorAt(410018, i);
@@ -175,12 +183,7 @@ MCStatus BSNSettings::IsValidSettings() {
         }
         if (m_testDistType == Poisson) {
             if (nCovariates == 0) return error(410039);
-            padTo(m_nullPrior1s, nCovariates, 2.0);
-            padTo(m_nullPrior2s, nCovariates, 2.0);
-            if (m_analysType != Posterior) {
-                if (m_alterPrior1s.size() < nCovariates) return errorAt(410018, m_covariates[m_alterPrior1s.size()]);
-                if (m_alterPrior2s.size() < nCovariates) return errorAt(410018, m_covariates[m_alterPrior2s.size()]);
-            }
+            if (const MCStatus s = preparePriorLists(m_covariates); !s.IsOK()) return s;
             if (m_analysType == Posterior) return {};
             if (int i = firstNotPositive(m_alterPrior1s, nCovariates); i >= 0) return errorAt(410018, i);
             if (int i = firstNotPositive(m_alterPrior2s, nCovariates); i >= 0) return errorAt(410018, i);

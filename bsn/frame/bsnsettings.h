@@ -204,6 +204,8 @@ public:
     void Display(std::ostream& os) const;
 
 private:
+    MCCommon_850::MCStatus preparePriorLists(const std::vector<int>& testVars);
+
     static constexpr double kMissing = MCCommon_850::MCMV::Missing();
 
     BSNConst::ModelTypes m_modelType = BSNConst::OneSample;
