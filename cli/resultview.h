@@ -12,6 +12,7 @@
 
 #include "bsn/frame/bsnoutputstats.h"
 #include "bsn/frame/bsnsettings.h"
+#include "platform/common/mcmv.h"
 #include "platform/variables/mcvarlist.h"
 
 namespace bsncli {
@@ -32,14 +33,40 @@ struct Curve {
     std::vector<double> y;
 };
 
-// The three curves of one test variable. The likelihood holds
-// log-likelihood values up to a constant.
+// Which way a Bayes factor points: most analyses report the null against
+// the alternative (above 1 favours the null); the regression's null
+// comparison reports the model against the intercept-only model, and its
+// full comparison the model against the full model.
+enum class FactorDirection { NullOverAlternative, ModelOverNull, ModelOverFull };
+
+// The curves of one plotted quantity (a test variable, a pair, a
+// coefficient, a cell...) and what the picture should say about them. The
+// likelihood holds log-likelihood values up to a constant unless
+// `likelihoodIsScaled` says it is already exp(ll - max ll). A flat prior is
+// stored as its arguments and exactly two values 1.0. Every annotation is
+// optional: a missing number is not drawn.
 struct PlotSet {
-    std::string variable;
+    std::string variable;   // the title: what is plotted
     std::string parameter;  // what the x axis shows ("proportion", "rate", ...)
     Curve logLikelihood;
     Curve prior;
     Curve posterior;
+    bool likelihoodIsScaled = false;
+
+    double ciLower = MCCommon_850::MCMV::Missing();  // credible interval of the posterior
+    double ciUpper = MCCommon_850::MCMV::Missing();
+    double ciLevel = MCCommon_850::MCMV::Missing();  // percent
+    double nullValue = MCCommon_850::MCMV::Missing();
+    double bayesFactor = MCCommon_850::MCMV::Missing();
+    bool bayesFactorIsLog = false;  // bayesFactor holds ln(BF)
+    FactorDirection direction = FactorDirection::NullOverAlternative;
+};
+
+// A picture that is not a set of curves (a heat map of a table, ...),
+// already rendered as a complete SVG document.
+struct SvgFigure {
+    std::string name;  // file-name stem and caption
+    std::string svg;
 };
 
 // A plain aligned text table: labelled columns, one row per test variable.
@@ -62,6 +89,7 @@ struct ResultView {
     nlohmann::ordered_json getters = nlohmann::ordered_json::object();
     std::vector<TextTable> tables;
     std::vector<PlotSet> plots;
+    std::vector<SvgFigure> figures;
 };
 
 // Table cells: "." for a missing value, 6 significant digits otherwise.

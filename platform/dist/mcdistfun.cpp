@@ -5,7 +5,9 @@
 
 #include <boost/math/distributions/beta.hpp>
 #include <boost/math/distributions/chi_squared.hpp>
+#include <boost/math/distributions/fisher_f.hpp>
 #include <boost/math/distributions/gamma.hpp>
+#include <boost/math/distributions/non_central_t.hpp>
 #include <boost/math/distributions/normal.hpp>
 #include <boost/math/distributions/students_t.hpp>
 #include <boost/math/special_functions/gamma.hpp>
@@ -122,6 +124,27 @@ double MCDistFun::CdfT(double x, double df) {
 double MCDistFun::IdfT(double p, double df) {
     if (anyMissing({p, df}) || df <= 0.0 || !isProb(p)) return MCMV::Missing();
     return finite(bm::quantile(bm::students_t_distribution<double, NoThrow>(df), p));
+}
+
+double MCDistFun::NonCentralPdfT(double x, double df, double delta) {
+    if (anyMissing({x, df, delta}) || df <= 0.0) return MCMV::Missing();
+    return finite(bm::pdf(bm::non_central_t_distribution<double, NoThrow>(df, delta), x));
+}
+
+double MCDistFun::PdfF(double x, double df1, double df2) {
+    if (anyMissing({x, df1, df2}) || df1 <= 0.0 || df2 <= 0.0 || x < 0.0) return MCMV::Missing();
+    return finite(bm::pdf(bm::fisher_f_distribution<double, NoThrow>(df1, df2), x));
+}
+
+double MCDistFun::CdfF(double x, double df1, double df2) {
+    if (anyMissing({x, df1, df2}) || df1 <= 0.0 || df2 <= 0.0) return MCMV::Missing();
+    if (x <= 0.0) return 0.0;
+    return finite(bm::cdf(bm::fisher_f_distribution<double, NoThrow>(df1, df2), x));
+}
+
+double MCDistFun::IdfF(double p, double df1, double df2) {
+    if (anyMissing({p, df1, df2}) || df1 <= 0.0 || df2 <= 0.0 || !isProb(p)) return MCMV::Missing();
+    return finite(bm::quantile(bm::fisher_f_distribution<double, NoThrow>(df1, df2), p));
 }
 
 } // namespace MCMath_850

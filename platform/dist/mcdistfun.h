@@ -32,6 +32,20 @@ public:
     static double PdfT(double x, double df);
     static double CdfT(double x, double df);
     static double IdfT(double p, double df);
+
+    // Non-central Student t with non-centrality delta.
+    static double NonCentralPdfT(double x, double df, double delta);
+
+    // F with df1 numerator and df2 denominator degrees of freedom.
+    static double PdfF(double x, double df1, double df2);
+    static double CdfF(double x, double df1, double df2);
+    static double IdfF(double p, double df1, double df2);
+
+    // Hypergeometric: x successes in a sample of c items drawn from n items
+    // of which r are successes. PdfHyper takes whole numbers; CDFHyper is
+    // P(X <= x).
+    static double PdfHyper(double x, double n, double r, double c);
+    static double CDFHyper(double x, double n, double r, double c);
 };
 
 } // namespace MCMath_850
