@@ -124,8 +124,7 @@ MCStatus BSNRegrConjugatePrior::ComputeStats() {
     for (std::size_t i = 0; i < n; ++i) quad += betaStar[i] * m[i];
     m_fDF = m_p + 1.0;
     m_fStatistic = MCMV::Sanitize((quad / m_bStar) * m_aStar / (m_p + 1.0));
-    const double cdf = MCDistFun::CdfF(m_fStatistic, m_p + 1.0, m_nu);
-    if (!MCMV::IsMissing(cdf)) m_fSig = 1.0 - cdf;
+    m_fSig = MCDistFun::SigF(m_fStatistic, m_p + 1.0, m_nu);
 
     return ComputeFTests(betaStar, sigmaStar, s2);
 }

@@ -32,8 +32,7 @@ void BSNRegrFit::Summarise(double tolerance) {
 
     if (sse > tolerance && K > 1.0 && !MCMV::IsMissing(anova.regressionSS) && anova.residualDF > 0.0) {
         anova.f = (anova.regressionSS * anova.residualDF) / (sse * anova.regressionDF);
-        const double cdf = MCMath_850::MCDistFun::CdfF(anova.f, anova.regressionDF, anova.residualDF);
-        if (!MCMV::IsMissing(cdf)) anova.sig = 1.0 - cdf;
+        anova.sig = MCMath_850::MCDistFun::SigF(anova.f, anova.regressionDF, anova.residualDF);
     }
     anova.Sanitize();
 }

@@ -206,8 +206,7 @@ MCStatus BSNRegrPosterior::ComputeFTests(const std::vector<double>& b, const MCM
         t.SetWald(MCMV::Sanitize(F));
         t.SetDF(r);
         t.SetDF2(m_nu);
-        const double cdf = MCDistFun::CdfF(F, r, m_nu);
-        if (present(cdf)) t.SetSig(1.0 - cdf);
+        t.SetSig(MCDistFun::SigF(F, r, m_nu));
     }
     return {};
 }

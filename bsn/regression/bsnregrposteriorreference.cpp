@@ -67,8 +67,7 @@ MCStatus BSNRegrPosteriorReference::ComputeStats() {
     const double Q = m_yty - sse;
     m_fDF = m_p + 1.0;
     m_fStatistic = MCMV::Sanitize((Q * m_nu) / (sse * (m_p + 1.0)));
-    const double cdf = MCDistFun::CdfF(m_fStatistic, m_p + 1.0, m_nu);
-    if (!MCMV::IsMissing(cdf)) m_fSig = 1.0 - cdf;
+    m_fSig = MCDistFun::SigF(m_fStatistic, m_p + 1.0, m_nu);
 
     return ComputeFTests(m_lsCoeffs, m_XtXinv, m_s2);
 }
