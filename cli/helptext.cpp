@@ -29,7 +29,43 @@ const char* const kExample = R"(EXAMPLE
   bsn run examples/binomial.json examples/binomial.csv --json - > result.json
   bsn run examples/normal.json examples/normal.csv --json result.json --plots plots --quiet
 
-  More examples: examples/poisson.*, examples/normal.*, examples/related.*
+  More examples: examples/poisson.*, examples/normal.*, examples/related.*,
+  examples/regression.*, examples/anova.*
+)";
+
+const char* const kRegressionRules = R"(REGRESSION AND ANOVA (model types 4 and 5)
+  - DependentVar is the response; Factors (coded columns, one indicator
+    column per category, the last category redundant beside the intercept)
+    and Covariates are the predictors. ANOVA takes exactly one factor and
+    fits one mean per category (no intercept).
+  - A record is used when every variable of the model has a value, each
+    factor value is a category, its frequency weight rounds to 1 or more
+    and its RegrWeightVar value (if any) is above 0. The weight of a case
+    is frequency weight x regression weight; N is the sum of frequency
+    weights.
+  - The Bayes factor (RegrCompType Siow, Zellner, Hyper, Rouder; RegrComPar
+    is g for Zellner, a for Hyper, the scale r for Rouder) weighs the model
+    against the intercept-only model (CompareType Null) or against the full
+    model of FullModFactors and FullModCovariates (CompareType Full): in
+    both, values above 1 favour the model, unlike the other analyses. The
+    integrals over g stop at g = 1e6; when the full model has more
+    predictors the full comparison's integrand grows with g, so its value
+    depends on that bound. GetLogBayesFactor is the factor's logarithm
+    computed on the log scale (right also where the factor overflows).
+  - PriorType Conjugate needs PriorShape and PriorScale (inverse gamma of
+    sigma^2), PriorMeans (one per design parameter: intercept, every
+    category of every factor, every covariate, in that order) and may give
+    PriorCovMatrix as the lower triangle of V0 by rows: (1,1), (2,1),
+    (2,2), (3,1), ... (identity when left out or of the wrong length).
+    Any other prior type is the reference prior.
+  - Regressors: one value per predictor, factors first (as the category's
+    position 0..k-1 among the sorted labels), then covariates, for the
+    predicted value. FTests: [{"UseIntercept": bool, "Predictors":
+    [columns], "TestValues": [one per tested parameter: one per covariate,
+    one per category of a factor], "Label": text}].
+  - PlotFactors (with PlotFactorCats, at most MaxNPlotCategories each) and
+    PlotCovars choose the coefficients plotted (at most MaxNPlots); sigma^2
+    and the prediction are always plotted.
 )";
 
 const char* const kSettingsRules = R"(SETTINGS FILE
@@ -126,8 +162,9 @@ const char* const kExitCodes = R"(EXIT CODES
 } // namespace
 
 std::string RunHelpFooter() {
-    return fmt::format("\n{}\n{}{}\nANALYSES IN THIS BUILD (model type)\n  {}\n\n{}\n{}\n{}", kExample, kSettingsRules,
-                       SettingsKeysHelp(), AvailableAnalyses(), kDataRules, kOutput, kExitCodes);
+    return fmt::format("\n{}\n{}{}\nANALYSES IN THIS BUILD (model type)\n  {}\n\n{}\n{}\n{}\n{}", kExample,
+                       kSettingsRules, SettingsKeysHelp(), AvailableAnalyses(), kRegressionRules, kDataRules, kOutput,
+                       kExitCodes);
 }
 
 std::string MainHelpFooter() {

@@ -5,6 +5,8 @@
 #include "bsn/onesample/bsn1samplebinomial.h"
 #include "bsn/onesample/bsn1samplenormal.h"
 #include "bsn/onesample/bsn1samplepoisson.h"
+#include "bsn/regression/bsnanova.h"
+#include "bsn/regression/bsnmultipleregr.h"
 #include "bsn/twosample/bsn2samplerelated.h"
 
 namespace MCBSN_850 {
@@ -26,6 +28,10 @@ std::unique_ptr<BSNAlgorithm> createProcedure(const BSNSettings& settings, const
         }
     case BSNConst::Related:
         return std::make_unique<BSN2SampleRelated>(settings, varList);
+    case BSNConst::Regression:
+        return std::make_unique<BSNMultipleRegr>(settings, varList);
+    case BSNConst::Anova:
+        return std::make_unique<BSNAnova>(settings, varList);
     default:
         return nullptr;
     }

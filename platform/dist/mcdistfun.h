@@ -40,6 +40,9 @@ public:
     static double PdfF(double x, double df1, double df2);
     static double CdfF(double x, double df1, double df2);
     static double IdfF(double p, double df1, double df2);
+    // The upper tail 1 - CdfF, computed directly so that a small
+    // significance keeps its digits.
+    static double SigF(double x, double df1, double df2);
 
     // Hypergeometric: x successes in a sample of c items drawn from n items
     // of which r are successes. PdfHyper takes whole numbers; CDFHyper is
