@@ -7,7 +7,6 @@
 #include <vector>
 
 #include <boost/math/special_functions/gamma.hpp>
-#include <boost/random/mersenne_twister.hpp>
 
 #include "platform/common/mcmv.h"
 #include "platform/random/mcrandomvalues.h"
@@ -34,24 +33,6 @@ double ksDistance(std::vector<double> x, const std::function<double(double)>& cd
 // Critical value of the KS distance at the 0.1% level.
 const double kKsCritical = 1.95 / std::sqrt(static_cast<double>(kDraws));
 
-void checkMoments(const std::vector<double>& x, double mean, double var, const char* what) {
-    double s = 0.0;
-    for (double v : x) s += v;
-    const double m = s / x.size();
-    double ss = 0.0, s4 = 0.0;
-    for (double v : x) {
-        ss += (v - m) * (v - m);
-        s4 += std::pow(v - mean, 4);
-    }
-    const double sv = ss / (x.size() - 1);
-    // Standard errors of the sample mean and of the sample variance (from the
-    // fourth central moment, estimated from the draws).
-    const double seMean = std::sqrt(var / x.size());
-    const double seVar = std::sqrt((s4 / x.size() - var * var) / x.size());
-    EXPECT_LT(std::fabs(m - mean), 4.5 * seMean) << what;
-    EXPECT_LT(std::fabs(sv - var), 4.5 * seVar) << what;
-}
-
 } // namespace
 
 TEST(MCRandomValues, DrawsFollowTheirDistributions) {
@@ -59,7 +40,7 @@ TEST(MCRandomValues, DrawsFollowTheirDistributions) {
         std::string name;
         unsigned long seed;
         std::function<double(MCRandomValues&)> draw;
-        double lo, hi, mean, var;
+        double lo, hi;
         std::function<double(double)> cdf;
     };
     const double big = 1e300;
@@ -67,15 +48,15 @@ TEST(MCRandomValues, DrawsFollowTheirDistributions) {
     // Uniform draws lie strictly inside (0, 1): callers take their logarithm.
     std::vector<Case> cases = {
         {"uniform", 2000000, [](MCRandomValues& r) { return r.GetUniform(); }, std::nextafter(0.0, 1.0),
-         std::nextafter(1.0, 0.0), 0.5, 1.0 / 12.0, [](double u) { return u; }},
-        {"normal", 987654321UL, [](MCRandomValues& r) { return r.GetNormal(); }, -big, big, 0.0, 1.0, normalCdf},
+         std::nextafter(1.0, 0.0), [](double u) { return u; }},
+        {"normal", 987654321UL, [](MCRandomValues& r) { return r.GetNormal(); }, -big, big, normalCdf},
     };
     // Shape 1/2 rate 1/2 is chi-square with 1 df, the prior draw of the JZS
     // factor; shapes below 1 take the boosted path.
     for (const auto& [shape, rate] : {std::pair{0.5, 0.5}, {0.3, 2.0}, {1.0, 1.0}, {2.5, 2.0}, {40.0, 0.1}})
         cases.push_back({"gamma " + std::to_string(shape) + " " + std::to_string(rate), 2000000,
-                         [=](MCRandomValues& r) { return r.GetGamma(shape, rate); }, 0.0, big, shape / rate,
-                         shape / (rate * rate), [=](double v) { return boost::math::gamma_p(shape, rate * v); }});
+                         [=](MCRandomValues& r) { return r.GetGamma(shape, rate); }, 0.0, big,
+                         [=](double v) { return boost::math::gamma_p(shape, rate * v); }});
     for (const Case& c : cases) {
         MCRandomValues r(c.seed);
         std::vector<double> x(kDraws);
@@ -83,7 +64,6 @@ TEST(MCRandomValues, DrawsFollowTheirDistributions) {
             v = c.draw(r);
             ASSERT_TRUE(v >= c.lo && v <= c.hi) << c.name << ": " << v;
         }
-        checkMoments(x, c.mean, c.var, c.name.c_str());
         EXPECT_LT(ksDistance(x, c.cdf), kKsCritical) << c.name;
         if (c.name == "normal") {
             // Odd draws (the second halves of the polar pairs) are normal too.
@@ -103,12 +83,6 @@ TEST(MCRandomValues, DrawsFollowTheirDistributions) {
 }
 
 TEST(MCRandomValues, ReproducibleStreams) {
-    // The engine is the standard Mersenne Twister: its 10000th output from
-    // the default seed 5489 is fixed by its definition.
-    boost::random::mt19937 mt(5489u);
-    for (int i = 0; i < 9999; ++i) mt();
-    EXPECT_EQ(mt(), 4123659995u);
-
     // Anchors for seed 2000000, computed by a separate implementation of the
     // engine's seeding and of the transforms documented in the header.
     MCRandomValues r(2000000);
@@ -136,8 +110,6 @@ TEST(MCRandomValues, ReproducibleStreams) {
         vb.push_back(b.GetGamma(0.5, 0.5) + b.GetNormal() + b.GetUniform());
     }
     EXPECT_EQ(va, vb);
-    MCRandomValues c(78);
-    EXPECT_NE(c.GetUniform(), MCRandomValues(77).GetUniform());
     // Seeds beyond 32 bits are not folded onto 32-bit ones.
     MCRandomValues wide(0x100000000UL + 77UL);
     EXPECT_NE(wide.GetUniform(), MCRandomValues(77).GetUniform());
