@@ -130,12 +130,16 @@ const char* const kOutput = R"(OUTPUT
     {"status": {"code": int, "error": bool, "message": str},
      "warnings": [{"code": int, "message": str, "datum": int|null}],
      "model_built": bool,
+     "columns": [str, ...],
      "results": {GETTER: value, ...} | null}
   status code 0 with message "" means no error. datum is the warning's
   first data slot (for the analyses' warnings: the position of the test
-  variable in its list). Each key of results is a getter of the result
-  object, spelled as in the library (GetBayesFactors, GetIsLogBayesFactor,
-  GetPlotArguments4Prior, GetSettings, GetModelType, GetOutputType, ...).
+  variable in its list). columns names the data file's columns in order;
+  every variable index in results (GetVarIndices, GetSecondVarIndices,
+  the members of a pair, ...) is a position in it. Each key of results is
+  a getter of the result object, spelled as in the library (GetBayesFactors,
+  GetIsLogBayesFactor, GetPlotArguments4Prior, GetSettings, GetModelType,
+  GetOutputType, ...).
   Missing values are null, also inside arrays; pairs are 2-element arrays;
   GetSettings uses the keys of the settings file. results is null when no
   model was built. JSON is written once the settings check has run; input

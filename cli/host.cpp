@@ -283,7 +283,7 @@ void printStatusAndWarnings(std::ostream& os, const Outcome& outcome, std::size_
         os << "Status: OK, " << (outcome.built ? "model built" : "model not built") << '\n';
 }
 
-void writeJson(const RunOptions& options, const Outcome& outcome, std::ostream& out) {
+void writeJson(const RunOptions& options, const Outcome& outcome, const DataInfo& data, std::ostream& out) {
     ordered_json doc;
     doc["status"] = statusJson(outcome.status);
     ordered_json warnings = ordered_json::array();
@@ -296,6 +296,9 @@ void writeJson(const RunOptions& options, const Outcome& outcome, std::ostream& 
     }
     doc["warnings"] = warnings;
     doc["model_built"] = outcome.built;
+    // The data file's column names in order: every variable index in the
+    // results is a position in this list.
+    doc["columns"] = data.columns;
     doc["results"] = outcome.haveResults ? outcome.view.getters : ordered_json(nullptr);
     const std::string text = DumpJson(doc) + "\n";
     if (options.jsonPath == "-") {
@@ -388,7 +391,7 @@ int runChecked(const RunOptions& options, std::ostream& out, std::ostream& err) 
         for (const TextTable& t : outcome.view.tables) t.Print(out);
     }
     printStatusAndWarnings(report, outcome, nValidationWarnings, in.settings, in.data);
-    if (!options.jsonPath.empty()) writeJson(options, outcome, out);
+    if (!options.jsonPath.empty()) writeJson(options, outcome, in.data, out);
     if (!options.plotsDir.empty() && outcome.haveResults) {
         const auto written = WritePlots(outcome.view.plots, options.plotsDir);
         if (!options.quiet) report << fmt::format("Plots: {} file(s) in {}\n", written.size(), options.plotsDir);
