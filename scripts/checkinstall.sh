@@ -36,6 +36,12 @@ LD_LIBRARY_PATH=$(pkg-config --variable=libdir bsn) "$work/embedhost-pc" > "$wor
   || fail "the example built through pkg-config failed"
 diff -u "$work/example.txt" "$work/example-pc.txt" || fail "the two builds of the example disagree"
 
+# Every installed header compiles on its own include path: nothing includes
+# a file that was not installed.
+includedir=$(pkg-config --variable=includedir bsn)
+(cd "$includedir" && find . -name '*.h' | sort | sed 's|^\./\(.*\)|#include "\1"|') > "$work/allheaders.cpp"
+logged c++ -std=c++20 -fsyntax-only "${pcflags[@]}" "$work/allheaders.cpp"
+
 for analysis in normal related; do
   "$host" run "examples/embed/$analysis.json" examples/embed/data.csv --json "$work/$analysis.json" -q > /dev/null \
     || fail "the command-line host failed on examples/embed/$analysis.json"
