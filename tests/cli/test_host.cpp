@@ -102,7 +102,7 @@ TEST(Host, HelpAndUsage) {
         EXPECT_EQ(r.code, 0);
         for (const char* text : {"EXAMPLE", "bsn run examples/binomial.json examples/binomial.csv", "CILevel",
                                  "2ndRelatedList", "\"Jeffreys 2\"", "FILE:LINE: column 'NAME'", "EXIT CODES",
-                                 "\"model_built\": bool", "exp(loglik - max loglik)", "--plots", "--quiet"})
+                                 "\"model_built\": bool", "--plots", "--report", "--quiet"})
             EXPECT_NE(r.out.find(text), std::string::npos) << text;
     }
     EXPECT_EQ(runInProcess({}).code, 2);
@@ -384,7 +384,7 @@ TEST(Host, NormalRunMatchesClosedForms) {
     EXPECT_NE(std::find(warnings.begin(), warnings.end(), std::make_pair(410010, 2)), warnings.end());
     EXPECT_NE(std::find(warnings.begin(), warnings.end(), std::make_pair(410027, 1)), warnings.end());
     const std::string svg = bsntest::TempDir::Read(dir.Path("plots/a.svg"));
-    EXPECT_NE(svg.find("prior (flat"), std::string::npos);
+    EXPECT_NE(svg.find("prior: flat"), std::string::npos);
 }
 
 TEST(Host, RelatedRunMatchesClosedForms) {
