@@ -63,7 +63,9 @@ struct PlotSet {
 };
 
 // A picture that is not a set of curves (a heat map of a table, ...),
-// already rendered as a complete SVG document.
+// already rendered as a complete SVG document. --plots writes it as
+// <name>.svg; the report inlines it into one page beside the other figures,
+// so any id it uses must be unique to it (e.g. prefixed with its name).
 struct SvgFigure {
     std::string name;  // file-name stem and caption
     std::string svg;

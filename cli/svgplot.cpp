@@ -61,8 +61,11 @@ std::vector<std::string> codePoints(const std::string& text) {
     return out;
 }
 
-// Tick positions at 1, 2 or 5 times a power of ten, three to seven per axis.
+// Tick positions at 1, 2 or 5 times a power of ten, three to seven per
+// axis. Ticks are counted, not accumulated, so that an axis far from zero
+// and very narrow (where adding a step may not change a double) still ends.
 std::vector<double> niceTicks(double lo, double hi) {
+    if (!(hi > lo) || !std::isfinite(hi - lo)) return {lo};
     const double raw = (hi - lo) / 6.0;
     const double power = std::pow(10.0, std::floor(std::log10(raw)));
     double step = power;
@@ -71,9 +74,25 @@ std::vector<double> niceTicks(double lo, double hi) {
         if (step >= raw) break;
     }
     std::vector<double> ticks;
-    for (double t = std::ceil(lo / step) * step; t <= hi + step * 1e-9; t += step)
+    const double last = std::floor(hi / step + 1e-9);
+    for (double k = std::ceil(lo / step - 1e-9); k <= last && ticks.size() < 12; ++k) {
+        const double t = k * step;
         ticks.push_back(std::fabs(t) < step * 1e-9 ? 0.0 : t);
+    }
     return ticks;
+}
+
+// Tick labels with as many digits as tell neighbouring ticks apart.
+std::vector<std::string> tickLabels(const std::vector<double>& ticks) {
+    double step = 0, largest = 0;
+    for (std::size_t i = 0; i < ticks.size(); ++i) {
+        largest = std::max(largest, std::fabs(ticks[i]));
+        if (i > 0) step = ticks[i] - ticks[i - 1];
+    }
+    const int digits = step > 0 && largest > 0 ? static_cast<int>(std::ceil(std::log10(largest / step))) + 1 : 6;
+    std::vector<std::string> labels;
+    for (double t : ticks) labels.push_back(fmt::format("{:.{}g}", t, std::clamp(digits, 1, 15)));
+    return labels;
 }
 
 // 1, 2 or 5 times a power of ten, nearest to `value` on a log scale.
@@ -265,15 +284,19 @@ void drawAxes(std::string& svg, const Frame& f, const Scene& scene) {
                        "fill=\"none\" stroke=\"#888\"/>\n",
                        kLeft, f.top, kPlotWidth, f.height);
     std::string grid;
-    for (double t : niceTicks(f.x.first, f.x.second)) {
-        grid += fmt::format("<line x1=\"{0:.2f}\" y1=\"{1:.2f}\" x2=\"{0:.2f}\" y2=\"{2:.2f}\"/>\n", f.px(t), f.top,
+    const std::vector<double> xTicks = niceTicks(f.x.first, f.x.second), yTicks = niceTicks(f.y.first, f.y.second);
+    const std::vector<std::string> xLabels = tickLabels(xTicks), yLabels = tickLabels(yTicks);
+    for (std::size_t i = 0; i < xTicks.size(); ++i) {
+        const double x = f.px(xTicks[i]);
+        grid += fmt::format("<line x1=\"{0:.2f}\" y1=\"{1:.2f}\" x2=\"{0:.2f}\" y2=\"{2:.2f}\"/>\n", x, f.top,
                             f.bottom());
-        text(svg, "tick x", f.px(t), f.bottom() + 15, kTickSize, "middle", fmt::format("{:g}", t));
+        text(svg, "tick x", x, f.bottom() + 15, kTickSize, "middle", xLabels[i]);
     }
-    for (double t : niceTicks(f.y.first, f.y.second)) {
-        grid += fmt::format("<line x1=\"{0:.2f}\" y1=\"{1:.2f}\" x2=\"{2:.2f}\" y2=\"{1:.2f}\"/>\n", kLeft, f.py(t),
+    for (std::size_t i = 0; i < yTicks.size(); ++i) {
+        const double y = f.py(yTicks[i]);
+        grid += fmt::format("<line x1=\"{0:.2f}\" y1=\"{1:.2f}\" x2=\"{2:.2f}\" y2=\"{1:.2f}\"/>\n", kLeft, y,
                             kLeft + kPlotWidth);
-        text(svg, "tick y", kLeft - 6, f.py(t) + 4, kTickSize, "end", fmt::format("{:g}", t));
+        text(svg, "tick y", kLeft - 6, y + 4, kTickSize, "end", Ellipsize(yLabels[i], kTickSize, kLeft - 30));
     }
     svg += "<g class=\"grid\" stroke=\"#ebebeb\">\n" + grid + "</g>\n";
     text(svg, "xlabel", kLeft + kPlotWidth / 2, f.bottom() + 33, kLabelSize, "middle", scene.xLabel);
@@ -564,8 +587,10 @@ double TextWidth(const std::string& text, double fontSize) {
 std::string Ellipsize(const std::string& text, double fontSize, double width) {
     if (TextWidth(text, fontSize) <= width) return text;
     const std::vector<std::string> chars = codePoints(text);
-    // Keep equal parts of both ends: the end often tells names apart.
-    for (std::size_t keep = chars.size(); keep-- > 0;) {
+    // Keep equal parts of both ends: the end often tells names apart. No
+    // character is narrower than 0.6 em, which bounds where to start.
+    const auto most = static_cast<std::size_t>(std::max(0.0, width / (0.6 * fontSize)));
+    for (std::size_t keep = std::min(chars.size(), most); keep-- > 0;) {
         std::string out;
         for (std::size_t i = 0; i < (keep + 1) / 2; ++i) out += chars[i];
         out += "\u2026";

@@ -254,6 +254,13 @@ TEST(SvgPlot, FlatPriorBrokenCurvesLongNamesAndNothing) {
     EXPECT_NEAR(fromTicks(main, "y", flat[0].second), 0.5 * normalPdf(0.1, 0, 1), 0.01);  // half the drawn peak
     EXPECT_TRUE(contains(svg.texts(main, "legend-text"), "prior: flat (height arbitrary)"));
 
+    // Far from zero and narrower than a step of the doubles there: drawn,
+    // with a bounded number of ticks.
+    PlotSet narrow;
+    narrow.posterior = {{1e9, 1e9, 1e9 + 1e-7}, {1, 2, 1}};
+    const Svg far(bsncli::RenderPlotSvg(narrow));
+    EXPECT_LE(ByClass(far.root, "tick").size(), 30u);
+
     const Svg none(bsncli::RenderPlotSvg(PlotSet{}));
     EXPECT_EQ(none.texts(none.root, "empty"), std::vector<std::string>{"no curves to draw"});
     EXPECT_TRUE(ByName(none.root, "polyline").empty());
