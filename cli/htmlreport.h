@@ -6,7 +6,7 @@
 // so the file opens in any browser without a network. The page is also
 // well-formed XML, which lets programs read it back.
 //
-// Nothing in it is specific to an analysis: the tables, plots and figures
+// Nothing in it belongs to one analysis: the tables, plots and figures
 // come from the ResultView that the analysis's adapter filled.
 #include <string>
 #include <vector>
