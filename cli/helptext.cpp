@@ -28,6 +28,7 @@ const char* const kExample = R"(EXAMPLE
   bsn run examples/binomial.json examples/binomial.csv
   bsn run examples/binomial.json examples/binomial.csv --json - > result.json
   bsn run examples/normal.json examples/normal.csv --json result.json --plots plots --quiet
+  bsn run examples/normal.json examples/normal.csv --report normal.html
 
   More examples: examples/poisson.*, examples/normal.*, examples/related.*,
   examples/regression.*, examples/anova.*
@@ -145,12 +146,37 @@ const char* const kOutput = R"(OUTPUT
   model was built. JSON is written once the settings check has run; input
   errors before that write none.
 
-  --plots DIR writes DIR/<variable>.svg per test variable: three panels,
-  each with its own axes and grid: the likelihood, drawn as
-  exp(loglik - max loglik) so that its peak is 1 (the library gives the
-  log-likelihood up to a constant), the prior density (a flat prior is a
-  horizontal line at 1), and the posterior density. Missing points are
-  left out of a curve.
+  --plots DIR writes DIR/<variable>.svg per test variable (pair,
+  coefficient, cell...), and DIR/<name>.svg per further figure of the
+  analysis (e.g. a heat map of a table). Each plot has one main panel where
+  the prior, the posterior and the likelihood share one x axis that spans
+  all three:
+    - the y axis is the posterior density; the likelihood (the library gives
+      its logarithm up to a constant) is scaled to the posterior's peak; a
+      prior whose peak is more than 5 times lower or higher than the
+      posterior's is multiplied by a round factor, named in the legend
+      ("prior x20"); a flat prior is a level line at half the posterior's
+      peak, marked "height arbitrary";
+    - the credible interval is shaded under the posterior, its limits
+      written beside it; the null value is a dashed vertical line (named
+      in the legend with "off the axis" when it lies far outside);
+    - the title names the variable, the subtitle states the Bayes factor in
+      words ("BF01 = 3.69: the data are 3.7 times more likely under the
+      null"; a factor kept as its logarithm reads "log BF01 = ...").
+  When the posterior is narrow on that axis, a close-up of it follows
+  below. Missing points are left out of a curve. Unless the settings file
+  sets NPlotPoints, bsn asks for 400 points per curve (instead of the
+  library's 100) so that curves are smooth.
+
+  --report FILE writes one HTML page: the analysis, the input files, the
+  status and warnings, the settings (those set by the file or by bsn, and
+  all of them folded), every table above and every plot and figure. CSS and
+  SVG are inline, there are no scripts and nothing is fetched: the file
+  opens in any browser without a network. It is written once the settings
+  check has run, like --json.
+
+  Files are written whole or not at all (through a temporary file that is
+  then renamed).
 
   On a terminal a progress line is shown on stderr; Ctrl-C cancels the
   analysis (a second Ctrl-C ends bsn at once).

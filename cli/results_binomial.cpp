@@ -38,7 +38,10 @@ bool DescribeBinomial(const MCBSN_850::BSNOutputStats& base, const DataInfo& dat
                                              r->GetSettings().GetCILevel(), r->GetModeValues(), r->GetMeanValues(),
                                              r->GetVarianceValues(), r->GetLowerLimits(), r->GetUpperLimits()));
     const auto& grid = r->GetPlotArguments();
-    AddPlots(view, names, "proportion", grid, grid, grid, r->GetPlotLikelihoods(), r->GetPlotPrior(), r->GetPlotPosterior());
+    AddPlots(view, names, "proportion", grid, grid, grid, r->GetPlotLikelihoods(), r->GetPlotPrior(),
+             r->GetPlotPosterior(),
+             MakePlotNotes(r->GetSettings(), r->GetLowerLimits(), r->GetUpperLimits(), r->GetBayesFactors(),
+                           r->GetIsLogBayesFactor()));
     return true;
 }
 

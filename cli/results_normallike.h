@@ -55,8 +55,10 @@ void DescribeNormalLike(const Result& r, const DataInfo& data, const std::vector
         view.tables.push_back(PosteriorTable(posteriorTitle, names, r.GetSettings().GetCILevel(), r.GetModeValues(),
                                              r.GetPostMeanValues(), r.GetVarianceValues(), r.GetLowerLimits(),
                                              r.GetUpperLimits()));
+    PlotNotes notes = MakePlotNotes(r.GetSettings(), r.GetLowerLimits(), r.GetUpperLimits(), r.GetBayesFactors());
+    notes.nullValues = TestedNullValues(r.GetSettings(), rows);
     AddPlots(view, names, parameter, r.GetPlotArguments4Likelihoods(), r.GetPlotArguments4Prior(), r.GetPlotArguments4Posterior(),
-             r.GetPlotLikelihoods(), r.GetPlotPrior(), r.GetPlotPosterior());
+             r.GetPlotLikelihoods(), r.GetPlotPrior(), r.GetPlotPosterior(), notes);
 }
 
 } // namespace bsncli

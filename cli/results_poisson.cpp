@@ -49,7 +49,9 @@ bool DescribePoisson(const MCBSN_850::BSNOutputStats& base, const DataInfo& data
         view.tables.push_back(post);
     }
     AddPlots(view, names, "rate", r->GetPlotArguments4Likelihoods(), r->GetPlotArguments4Prior(),
-             r->GetPlotArguments4Posterior(), r->GetPlotLikelihoods(), r->GetPlotPrior(), r->GetPlotPosterior());
+             r->GetPlotArguments4Posterior(), r->GetPlotLikelihoods(), r->GetPlotPrior(), r->GetPlotPosterior(),
+             MakePlotNotes(r->GetSettings(), r->GetLowerLimits(), r->GetUpperLimits(), r->GetBayesFactors(),
+                           r->GetIsLogBayesFactor()));
     return true;
 }
 
