@@ -35,9 +35,34 @@ double BayesFactorDenomIF::ComputeMC(double g, double /*unused*/) {
     return std::exp(-0.5 * std::log(x) + std::log1p(m_t * m_t / (x * m_df)) * (-(1.0 + m_df) / 2.0));
 }
 
+double BayesFactorDenomIF::ComputeLogMC(double g) const {
+    if (!m_valid || MCMV::IsMissing(g) || g < 0.0) return MCMV::Missing();
+    const double x = 1.0 + m_N * g;
+    if (std::isinf(x)) return MCMV::Missing();
+    return MCMV::Sanitize(-0.5 * std::log(x) - (1.0 + m_df) / 2.0 * std::log1p(m_t * m_t / (x * m_df)));
+}
+
+double BayesFactorDenomIF::ComputeLogNI(double g) const {
+    if (!m_valid || MCMV::IsMissing(g) || !(g > 0.0)) return MCMV::Missing();
+    const double h = ComputeLogMC(g);
+    if (MCMV::IsMissing(h)) return MCMV::Missing();
+    return MCMV::Sanitize(h + std::log(m_invSqrt2Pi) - 1.5 * std::log(g) - 1.0 / (2.0 * g));
+}
+
+double BayesFactorDenomIF::ComputeLogNull() const {
+    if (!m_valid) return MCMV::Missing();
+    return MCMV::Sanitize(-(m_df + 1.0) / 2.0 * std::log1p(m_t * m_t / m_df));
+}
+
 double BayesFactorDenomIF::ComputeNI(double g) {
     if (!m_valid || MCMV::IsMissing(g) || g < 0.0) return MCMV::Missing();
     if (g == 0.0) return 0.0;
+    if (m_logScale != 0.0) {
+        const double l = ComputeLogNI(g);
+        // ln f is -inf where the prior vanishes (g of 1e-310), never missing
+        // for a valid g > 0 otherwise.
+        return MCMV::IsMissing(l) ? 0.0 : std::exp(l - m_logScale);
+    }
     const double x = 1.0 + m_N * g;
     const double e = std::exp(-1.0 / (2.0 * g) + std::log1p(m_t * m_t / (x * m_df)) * (-(1.0 + m_df) / 2.0));
     // Below g of about 1/1400 the prior factor exp(-1/(2g)) has underflowed;
@@ -54,6 +79,7 @@ void BayesFactorDenomIF::Display(std::ostream& os) const {
     DisplayD("Degrees of freedom", m_df);
     DisplayD("t", m_t);
     DisplayB("Valid", m_valid);
+    DisplayD("Log scale", m_logScale);
     DisplayD("1/sqrt(2 pi)", m_invSqrt2Pi);
     DisplayText(0, "End of display BayesFactorDenomIF object");
 }

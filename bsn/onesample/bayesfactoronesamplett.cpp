@@ -4,6 +4,8 @@
 #include <cmath>
 #include <limits>
 
+#include <boost/math/tools/minima.hpp>
+
 #include "bsn/onesample/bayesfactordenomif.h"
 #include "platform/common/mcmv.h"
 #include "platform/display/mcdisplay.h"
@@ -54,13 +56,7 @@ double BayesFactorOneSampleTT::RightTail() const {
     return kInvSqrt2Pi / std::sqrt(m_N) * span;
 }
 
-double BayesFactorOneSampleTT::Compute() {
-    m_nIterations = 0;
-    m_usedPiecewise = false;
-    if (!m_valid) return MCMV::Missing();
-    BayesFactorDenomIF integrand(m_N, m_df, m_t);
-    // It underflows to 0 only when the factor itself does.
-    const double l0 = integrand.ComputeNull();
+double BayesFactorOneSampleTT::integrate(BayesFactorDenomIF& integrand) {
     MCMath_850::LobattoQuad quad(integrand);
     quad.SetTolerance(m_tolerance);
     quad.SetMaxIter(m_maxIter);
@@ -85,10 +81,75 @@ double BayesFactorOneSampleTT::Compute() {
         }
     }
     m_warnings.Append(quad.GetWarnings());
+    return integral;
+}
+
+double BayesFactorOneSampleTT::Compute() {
+    m_nIterations = 0;
+    m_usedPiecewise = false;
+    if (!m_valid) return MCMV::Missing();
+    BayesFactorDenomIF integrand(m_N, m_df, m_t);
+    // It underflows to 0 only when the factor itself does.
+    const double l0 = integrand.ComputeNull();
+    double integral = integrate(integrand);
     if (MCMV::IsMissing(integral)) return MCMV::Missing();
     if (m_rightBound > m_tailCutoff) integral += RightTail();
     if (integral == 0.0) return MCMV::Missing();
     return MCMV::Sanitize(l0 / integral);
+}
+
+double BayesFactorOneSampleTT::logPeak(const BayesFactorDenomIF& integrand) const {
+    // The integrand rises from 0 (the prior's exp(-1/(2g))) to one peak and
+    // falls like g^-2; in u = ln g its peak is about one unit wide. A grid of
+    // steps of about 0.35 in u finds it, and Brent's method refines it. The
+    // scale need not be the exact maximum: it only has to keep the scaled
+    // ordinates away from under- and overflow.
+    const double hi = std::min(m_tailCutoff, m_rightBound);
+    const double lo = std::max(m_leftBound, std::min(1e-4, hi * 1e-6));
+    if (!(hi > lo)) return integrand.ComputeLogNI(hi);
+    const auto logF = [&](double u) {
+        const double v = integrand.ComputeLogNI(std::exp(u));
+        return MCMV::IsMissing(v) ? -std::numeric_limits<double>::infinity() : v;
+    };
+    const double uLo = std::log(lo), uHi = std::log(hi);
+    const int steps = std::max(2, static_cast<int>(std::ceil((uHi - uLo) / 0.35)));
+    const double h = (uHi - uLo) / steps;
+    int best = 0;
+    double bestValue = logF(uLo);
+    for (int k = 1; k <= steps; ++k) {
+        const double v = logF(uLo + k * h);
+        if (v > bestValue) {
+            bestValue = v;
+            best = k;
+        }
+    }
+    const double a = uLo + std::max(0, best - 1) * h, b = uLo + std::min(steps, best + 1) * h;
+    const auto [u, negMax] = boost::math::tools::brent_find_minima([&](double x) { return -logF(x); }, a, b, 30);
+    (void)u;
+    return std::max(bestValue, -negMax);
+}
+
+double BayesFactorOneSampleTT::ComputeLog() {
+    m_nIterations = 0;
+    m_usedPiecewise = false;
+    if (!m_valid) return MCMV::Missing();
+    BayesFactorDenomIF integrand(m_N, m_df, m_t);
+    const double logNull = integrand.ComputeLogNull();
+    const double scale = logPeak(integrand);
+    if (MCMV::IsMissing(logNull) || MCMV::IsMissing(scale) || !std::isfinite(scale)) return MCMV::Missing();
+    // The scaled integral is of order 1 (the peak's width in g); ln I is
+    // scale + ln of it, and the tail beyond the cutoff joins in logs.
+    integrand.SetLogScale(scale);
+    const double scaled = integrate(integrand);
+    if (MCMV::IsMissing(scaled) || scaled < 0.0) return MCMV::Missing();
+    double logIntegral = scaled > 0.0 ? scale + std::log(scaled) : -std::numeric_limits<double>::infinity();
+    if (m_rightBound > m_tailCutoff) {
+        const double logTail = std::log(RightTail());
+        const double top = std::max(logIntegral, logTail);
+        logIntegral = top + std::log(std::exp(logIntegral - top) + std::exp(logTail - top));
+    }
+    if (!std::isfinite(logIntegral)) return MCMV::Missing();
+    return MCMV::Sanitize(logNull - logIntegral);
 }
 
 void BayesFactorOneSampleTT::Display(std::ostream& os) const {

