@@ -34,17 +34,23 @@ double BSN1SamplePoisBayesFactor::logFactor(double N, double S, const Priors& p)
     if (!usable(p.a0, p.b0) || !usable(p.a1, p.b1) || MCMV::IsMissing(N) || MCMV::IsMissing(S))
         return MCMV::Missing();
     // logMarginal(a0, b0) − logMarginal(a1, b1), regrouped so that nothing
-    // of the size of S ln S or N ln N is formed on its own:
-    //   [lnΓ(S + a0) − lnΓ(S + a1)]                  one difference of huge terms
-    //   − a0 ln(1 + N/b0) + a1 ln(1 + N/b1)          a ln b − a ln(b + N), per prior
-    //   − S ln((b0 + N)/(b1 + N))                    = S log1p((b0 − b1)/(b1 + N))
-    //   − lnΓ(a0) + lnΓ(a1).
-    const double counts = MCMath_850::MCLogGamma::Diff(S, p.a0, p.a1);
+    // of the size of S ln S or N ln N is formed on its own. With
+    // ln(b + N) = ln N + log1p(b/N):
+    //   [lnΓ(S + a0) − lnΓ(S + a1) − (a0 − a1) ln N]     at the scale N
+    //   + a0 ln b0 − a1 ln b1 − a0 log1p(b0/N) + a1 log1p(b1/N)
+    //   − S log1p((b0 − b1)/(b1 + N))                     S ln((b0 + N)/(b1 + N))
+    //   − lnΓ(a0) + lnΓ(a1);
+    // the (a0 − a1) ln N of the first line and of the second cancel exactly
+    // and are never formed.
+    const double scale = N > 0.0 ? N : 1.0;
+    const double counts = MCMath_850::MCLogGamma::DiffAtScale(S, p.a0, p.a1, scale);
     const double lgA0 = MCDistFun::quondnlgam(p.a0), lgA1 = MCDistFun::quondnlgam(p.a1);
     if (MCMV::IsMissing(counts) || MCMV::IsMissing(lgA0) || MCMV::IsMissing(lgA1)) return MCMV::Missing();
-    const double rates = -p.a0 * std::log1p(N / p.b0) + p.a1 * std::log1p(N / p.b1) -
-                         (S == 0.0 ? 0.0 : S * std::log1p((p.b0 - p.b1) / (p.b1 + N)));
-    return MCMV::Sanitize(counts + rates + (lgA1 - lgA0));
+    const double priors = N > 0.0 ? p.a0 * std::log(p.b0) - p.a1 * std::log(p.b1) - p.a0 * std::log1p(p.b0 / N) +
+                                         p.a1 * std::log1p(p.b1 / N)
+                                   : 0.0;
+    const double rates = S == 0.0 ? 0.0 : -S * std::log1p((p.b0 - p.b1) / (p.b1 + N));
+    return MCMV::Sanitize(counts + priors + rates + (lgA1 - lgA0));
 }
 
 MCStatus BSN1SamplePoisBayesFactor::ComputeBFs() {

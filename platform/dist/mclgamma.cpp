@@ -32,10 +32,15 @@ double stirlingRest(double w) {
                                         r2 * (-691.0 / 360360.0 + r2 * (1.0 / 156.0 + r2 * (-3617.0 / 122400.0))))))));
 }
 
-// lnΓ(w + δ) - lnΓ(w) for w >= 10 and δ >= 0 by the difference of the two
-// Stirling series; w1 is the (possibly rounded) w + δ.
-double stirlingDiff(double w, double delta, double w1) {
-    return delta * std::log(w) + (w1 - 0.5) * std::log1p(delta / w) - delta + (stirlingRest(w1) - stirlingRest(w));
+// lnΓ(w + δ) - lnΓ(w) - δ ln r for w >= 10 and δ >= 0 by the difference of
+// the two Stirling series; w1 is the (possibly rounded) w + δ, and wr the
+// exact w - r when it is known (missing otherwise). With r = 1 this is the
+// plain difference.
+double stirlingDiff(double w, double delta, double w1, double r, double wr) {
+    // ln(w/r), through log1p when w is near r so that it keeps its digits.
+    const double logRatio =
+        !missing(wr) && std::fabs(wr) < 0.5 * r ? std::log1p(wr / r) : (r == 1.0 ? std::log(w) : std::log(w / r));
+    return delta * logRatio + (w1 - 0.5) * std::log1p(delta / w) - delta + (stirlingRest(w1) - stirlingRest(w));
 }
 
 // Neumaier's compensated sum: the rounding error of every addition is kept
@@ -65,8 +70,10 @@ void twoSum(double a, double b, double& hi, double& lo) {
 
 } // namespace
 
-double MCLogGamma::Diff(double z, double d1, double d2) {
-    if (missing(z) || missing(d1) || missing(d2)) return MCMV::Missing();
+double MCLogGamma::Diff(double z, double d1, double d2) { return DiffAtScale(z, d1, d2, 1.0); }
+
+double MCLogGamma::DiffAtScale(double z, double d1, double d2, double r) {
+    if (missing(z) || missing(d1) || missing(d2) || missing(r) || !(r > 0.0)) return MCMV::Missing();
     const double w1 = z + d1;
     const double w2 = z + d2;
     if (!(w1 > 0.0) || !(w2 > 0.0)) return MCMV::Missing();
@@ -74,11 +81,13 @@ double MCLogGamma::Diff(double z, double d1, double d2) {
     if (std::min(w1, w2) < kStirlingFrom) {
         const double l1 = lnGamma(w1), l2 = lnGamma(w2);
         if (missing(l1) || missing(l2)) return MCMV::Missing();
-        return MCMV::Sanitize(l1 - l2);
+        return MCMV::Sanitize(l1 - l2 - (r == 1.0 ? 0.0 : (d1 - d2) * std::log(r)));
     }
-    // From the smaller argument upwards, so that log1p sees a positive ratio.
-    const double r = d1 > d2 ? stirlingDiff(w2, d1 - d2, w1) : -stirlingDiff(w1, d2 - d1, w2);
-    return MCMV::Sanitize(r);
+    // From the smaller argument upwards, so that log1p sees a positive
+    // ratio. z - r is exact when z and r are close (or whole numbers).
+    const double zr = z - r;
+    const double r1 = d1 > d2 ? stirlingDiff(w2, d1 - d2, w1, r, zr + d2) : -stirlingDiff(w1, d2 - d1, w2, r, zr + d1);
+    return MCMV::Sanitize(r1);
 }
 
 double MCLogGamma::Delta(double z, double d) { return Diff(z, d, 0.0); }
@@ -119,11 +128,19 @@ double MCLogGamma::BetaDiff(double x, double y, double a0, double b0, double a1,
     if (missing(x) || missing(y)) return MCMV::Missing();
     // Each lnΓ of a count under one prior meets the same count under the
     // other: [lnΓ(x + a0) - lnΓ(x + a1)] + [lnΓ(y + b0) - lnΓ(y + b1)]
-    // - [lnΓ(n + a0 + b0) - lnΓ(n + a1 + b1)].
-    const double terms[] = {Diff(x, a0, a1), Diff(y, b0, b1), Diff(x + y, a0 + b0, a1 + b1)};
+    // - [lnΓ(n + a0 + b0) - lnΓ(n + a1 + b1)]. Each bracket grows like its
+    // offset times ln n, and the offsets cancel, (a0 - a1) + (b0 - b1) -
+    // (a0 + b0 - a1 - b1) = 0; taking all three at the scale n removes that
+    // growth before it is rounded.
+    const double n = x + y;
+    const double r = n > 0.0 ? n : 1.0;
+    const double terms[] = {DiffAtScale(x, a0, a1, r), DiffAtScale(y, b0, b1, r),
+                            DiffAtScale(n, a0 + b0, a1 + b1, r)};
     for (double t : terms)
         if (missing(t)) return MCMV::Missing();
-    return MCMV::Sanitize(terms[0] + terms[1] - terms[2]);
+    // What the scales leave over when a0 + b0 - a1 - b1 is rounded.
+    const double offsets = ((a0 - a1) + (b0 - b1)) - ((a0 + b0) - (a1 + b1));
+    return MCMV::Sanitize(terms[0] + terms[1] - terms[2] + offsets * std::log(r));
 }
 
 double MCLogGamma::LogBetaPdf(double t, double a, double b) {

@@ -55,6 +55,16 @@ public:
     // exactly; only d1 - d2 and the sums' relative values matter.
     static double Diff(double z, double d1, double d2);
 
+    // lnΓ(z + d1) - lnΓ(z + d2) - (d1 - d2) ln r, for a scale r > 0. Diff
+    // grows like (d1 - d2) ln z, so a sum of differences that nearly cancel
+    // (a ratio of beta functions: the offsets sum to zero) is still rounded
+    // at that size. Taken at a common scale r (the total count, say), each
+    // term is only of the size of what is left, and the (d1 - d2) ln r
+    // parts, which cancel in the sum or meet the caller's own terms in
+    // ln r, are never formed. z - r is used when z is near r, so pass the
+    // same r and the exact z. Rules as for Diff.
+    static double DiffAtScale(double z, double d1, double d2, double r);
+
     // ln B(a, b) = lnΓ(a) + lnΓ(b) - lnΓ(a + b), a, b > 0: exact relative to
     // the result also when a and b are both huge.
     static double LogBeta(double a, double b);

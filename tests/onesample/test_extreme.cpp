@@ -43,18 +43,18 @@ BSNSettings discreteSettings(C::DistTypes dist, const std::vector<std::string>& 
     return s;
 }
 
-// Checks a stored factor against its exact log: the log to 1e-10 (the
+// Checks a stored factor against its exact log: the log to 1e-11 (the
 // factor's relative error), and the factor itself, or its log with the bit.
 template <class Output>
 void expectFactor(const Output& out, double exactLog) {
     const double logBf = out.GetLogBayesFactors()[0];
-    EXPECT_NEAR(logBf, exactLog, 1e-10 * std::max(1.0, std::fabs(exactLog)));
+    EXPECT_NEAR(logBf, exactLog, 1e-11 * std::max(1.0, std::fabs(exactLog)));
     const bool isLog = std::fabs(exactLog) > 708.0;
     EXPECT_EQ(out.GetIsLogBayesFactor()[0], isLog);
     if (isLog)
         EXPECT_EQ(out.GetBayesFactors()[0], logBf);
     else
-        EXPECT_NEAR(out.GetBayesFactors()[0], std::exp(exactLog), 1e-10 * std::exp(exactLog));
+        EXPECT_NEAR(out.GetBayesFactors()[0], std::exp(exactLog), 1e-11 * std::exp(exactLog));
 }
 
 } // namespace
