@@ -46,9 +46,14 @@ void MCMeansXProdData::AddCase(const double* values, double weight) {
 double MCMeansXProdData::GetMeanDifference(int j, int k, double offset) const {
     if (j < 0 || k < 0 || j >= m_n || k >= m_n || !(m_sumWeights > 0.0) || MCMV::IsMissing(offset))
         return MCMV::Missing();
-    // The origins' difference is exact when they are close (the usual case
-    // for paired measurements), and so is its distance from a nearby offset.
-    return MCMV::Sanitize(((m_origins[j] - m_origins[k]) - offset) + (m_shifted[j] - m_shifted[k]));
+    // The origins' difference is kept exactly as hi + lo (the usual paired
+    // measurements have close origins and lo = 0; one near 1e9 and one near
+    // 0 do not), hi's distance from a nearby offset is exact, and only the
+    // small remainder is rounded.
+    const double hi = m_origins[j] - m_origins[k];
+    const double back = hi - m_origins[j];
+    const double lo = (m_origins[j] - (hi - back)) + (-m_origins[k] - back);
+    return MCMV::Sanitize(((hi - offset) + lo) + (m_shifted[j] - m_shifted[k]));
 }
 
 double MCMeansXProdData::GetXProd(int j, int k) const {

@@ -141,9 +141,11 @@ TEST(ExtremeSizes, NormalDataFarFromZero) {
     EXPECT_NEAR(o.GetStdDevs()[0], e.at("sd"), 1e-9 * e.at("sd"));
     EXPECT_NEAR(o.GetMeanValues()[0] - e.at("null"), e.at("mean_minus_null"), 2e-7);  // one rounding at 1e9
 
-    // Pairs (x_i, x_(i+1)): the mean difference is exactly 0 (the sum
-    // telescopes), and the differences are exact doubles whose spread a
-    // two-pass sum in extended precision gives independently.
+    // Pairs (x_i, x_(i+1) - c) with c = 1e9 + 2^-30 (not a double; every
+    // y_i is), against the same null value: the mean difference is exactly
+    // c (the sum telescopes), and the spread of the differences is that of
+    // the exact doubles x_i - x_(i+1), which a two-pass sum in extended
+    // precision gives independently.
     std::vector<double> y(x.begin() + 1, x.end());
     y.push_back(x.front());
     long double m = 0.0L, ss = 0.0L;
@@ -151,16 +153,17 @@ TEST(ExtremeSizes, NormalDataFarFromZero) {
     m /= x.size();
     for (std::size_t i = 0; i < x.size(); ++i) ss += std::pow(static_cast<long double>(x[i] - y[i]) - m, 2);
     const double sd = static_cast<double>(std::sqrt(ss / (x.size() - 1)));
+    const double tiny = std::ldexp(1.0, -30);
+    for (double& v : y) v = (v - 1e9) - tiny;  // both steps exact
     BSNSettings related = s;
     related.SetModelType(C::Related, false);
     related.Set2ndRelatedList({1});
-    related.SetNullValues({1e-4});
     Build pairs(related, {x, y});
     ASSERT_TRUE(pairs.status.IsOK());
     const auto& p = *pairs.As<MCBSN_850::BSN2SampleRelatedOutputStats>();
-    EXPECT_NEAR(p.GetMeanValues()[0], 0.0, 1e-18);
+    EXPECT_EQ(p.GetMeanValues()[0], 1e9);  // c rounded once
     EXPECT_NEAR(p.GetStdDevs()[0], sd, 1e-9 * sd);
-    const double t = -1e-4 / (sd / std::sqrt(1000.0));
+    const double t = ((1e9 - e.at("null")) + tiny) / (sd / std::sqrt(1000.0));
     EXPECT_NEAR(p.GetTValues()[0], t, 1e-9 * std::fabs(t));
 }
 
