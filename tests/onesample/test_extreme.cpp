@@ -8,6 +8,8 @@
 #include <string>
 #include <vector>
 
+#include <boost/math/distributions/students_t.hpp>
+
 #include "bsn/onesample/bayesfactoronesamplett.h"
 #include "bsn/onesample/bsn1samplebinooutputstats.h"
 #include "bsn/onesample/bsn1samplenormoutputstats.h"
@@ -185,13 +187,16 @@ TEST(ExtremeSizes, JZSLogFactorWhereTheFactorUnderflows) {
 
     // Three columns of a million cases (two weighted records each) with means
     // 0.1, 0.05 and 0.2: t near 100, 50 and 200. Quadrature, Simple and
-    // known variance, and Monte Carlo.
+    // known variance, and Monte Carlo; and the posterior t density with a
+    // million degrees of freedom.
     BSNSettings s;
     s.SetModelType(C::OneSample, false);
     s.SetTestDistType(C::Normal);
     s.SetCovariates({1, 2, 3});
     s.SetFrequencyWeightVar(0);
-    s.SetAnalysType(C::BayesFactor);
+    s.SetAnalysType(C::Both);
+    s.SetMeanDistType(C::Diffuse);
+    s.SetPriorDistType(C::Jeffreys2);
     const std::vector<std::vector<double>> cols = {
         {500000, 500000}, {0.1 - 1.0, 0.1 + 1.0}, {0.05 - 1.0, 0.05 + 1.0}, {0.2 - 1.0, 0.2 + 1.0}};
     Build jzs(s, cols);
@@ -201,6 +206,12 @@ TEST(ExtremeSizes, JZSLogFactorWhereTheFactorUnderflows) {
         EXPECT_NEAR(o.GetTValues()[i], num(rows[4 + i][1]), 1e-12 * num(rows[4 + i][1]));
         EXPECT_NEAR(o.GetLogBayesFactors()[i], num(rows[4 + i][2]), 1e-7 * std::fabs(num(rows[4 + i][2])));
         EXPECT_EQ(o.GetBayesFactors()[i], 0.0);
+        const double sc = o.GetStdDevs()[i] / 1e3, c = o.GetPostMeanValues()[i];  // scale^2 = s^2 (N - 1)/(N ν)
+        for (std::size_t k : {std::size_t{0}, std::size_t{50}}) {
+            const double x = o.GetPlotArguments4Posterior()[i][k];
+            const double pdf = boost::math::pdf(boost::math::students_t(1e6 - 1.0), (x - c) / sc) / sc;
+            EXPECT_NEAR(o.GetPlotPosterior()[i][k], pdf, 1e-12 * pdf);
+        }
     }
 
     s.SetEstBFType(C::Simple);
