@@ -46,7 +46,8 @@ double BayesFactorDenomIF::ComputeLogNI(double g) const {
     if (!m_valid || MCMV::IsMissing(g) || !(g > 0.0)) return MCMV::Missing();
     const double h = ComputeLogMC(g);
     if (MCMV::IsMissing(h)) return MCMV::Missing();
-    return MCMV::Sanitize(h + std::log(m_invSqrt2Pi) - 1.5 * std::log(g) - 1.0 / (2.0 * g));
+    constexpr double kLogInvSqrt2Pi = -0.91893853320467274;
+    return MCMV::Sanitize(h + kLogInvSqrt2Pi - 1.5 * std::log(g) - 1.0 / (2.0 * g));
 }
 
 double BayesFactorDenomIF::ComputeLogNull() const {
@@ -57,14 +58,12 @@ double BayesFactorDenomIF::ComputeLogNull() const {
 double BayesFactorDenomIF::ComputeNI(double g) {
     if (!m_valid || MCMV::IsMissing(g) || g < 0.0) return MCMV::Missing();
     if (g == 0.0) return 0.0;
-    if (m_logScale != 0.0) {
-        const double l = ComputeLogNI(g);
-        // ln f is -inf where the prior vanishes (g of 1e-310), never missing
-        // for a valid g > 0 otherwise.
-        return MCMV::IsMissing(l) ? 0.0 : std::exp(l - m_logScale);
-    }
     const double x = 1.0 + m_N * g;
-    const double e = std::exp(-1.0 / (2.0 * g) + std::log1p(m_t * m_t / (x * m_df)) * (-(1.0 + m_df) / 2.0));
+    // The scale goes into the one exponential: the factors outside it are
+    // within e^40 of 1 wherever it has not underflowed, so with the scale at
+    // the integrand's peak nothing under- or overflows.
+    const double e = std::exp(-1.0 / (2.0 * g) + std::log1p(m_t * m_t / (x * m_df)) * (-(1.0 + m_df) / 2.0) -
+                              m_logScale);
     // Below g of about 1/1400 the prior factor exp(-1/(2g)) has underflowed;
     // stopping here also keeps g^(3/2) from underflowing into 0/0.
     if (e == 0.0) return 0.0;

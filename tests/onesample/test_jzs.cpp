@@ -185,7 +185,7 @@ TEST(JZSIntegrand, MatchesFormulaOnBothScalesAndNeverNaN) {
     // Scaled by e^s: the ordinates divided by e^s, also where f underflows.
     EXPECT_EQ(f.ComputeNI(5e-4), 0.0);  // exp(-1000)
     f.SetLogScale(f.ComputeLogNI(5e-4));
-    EXPECT_NEAR(f.ComputeNI(5e-4), 1.0, 1e-15);
+    EXPECT_NEAR(f.ComputeNI(5e-4), 1.0, 1e-12);  // exponents near -1000 keep 13 digits
     f.SetParams(1.0, 0.0, t);
     EXPECT_FALSE(f.IsValid());
     for (double v : {f.ComputeNI(1.0), f.ComputeMC(1.0, 0.0), f.ComputeNull(), f.ComputeLogNull()})
