@@ -29,6 +29,21 @@
 // a sum of unpaired terms (lnΓ(x + a0) - lnΓ(a0) in one call and
 // lnΓ(x + a1) - lnΓ(a1) in another) is exact only relative to its own size,
 // which is the size of the terms, and cancels later at the caller's cost.
+// When several paired differences still cancel among themselves (each
+// grows like its offset times ln z), take them all at one scale with
+// DiffAtScale, as BetaDiff does.
+//
+// Worked pairings:
+//   binomial, Beta(a0, b0) against Beta(a1, b1), x successes of n:
+//     BetaDiff(x, n - x, a0, b0, a1, b1) + ln B(a1, b1) - ln B(a0, b0);
+//   Poisson, Gamma(a0, b0) against Gamma(a1, b1), S counts in N cases:
+//     DiffAtScale(S, a0, a1, N) plus terms in log1p(b/N) (see the one-sample
+//     Poisson factor);
+//   a table of counts x under Dirichlet(a): MultiBetaDelta(a, x) for
+//     ln B(a + x) - ln B(a); the same counts under two priors:
+//     MultiBetaDiff(x, a0, a1). A difference of MultiBetaDelta values of
+//     different tables (cells against margins) is exact only to about
+//     1e-16 times the total count times its log.
 //
 // Accuracy (checked against 40-digit values): every function's absolute
 // error is a few units in the last place of the largest term it pairs
