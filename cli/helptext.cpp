@@ -124,7 +124,10 @@ const char* const kOutput = R"(OUTPUT
   points at) and the status. --quiet leaves the tables out.
   A Bayes factor is the factor of the null against the alternative (above 1
   favours the null). Where it is too large or too small to print it is kept
-  as its natural logarithm x and shown as exp(x).
+  as its natural logarithm x and shown as exp(x). The "log BF" column
+  (GetLogBayesFactors in the JSON) gives the natural logarithm of every
+  factor, computed on the log scale: it stays exact where a normal-mean
+  factor underflows to 0.
 
   --json PATH writes (PATH "-" = stdout, and then no tables; warnings and
   status go to stderr):

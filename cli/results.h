@@ -21,6 +21,7 @@ void PutDiscreteHeadGetters(const Result& r, const DataInfo& data, ResultView& v
     j["GetVarIndices"] = ToJson(r.GetVarIndices());
     j["GetBayesFactors"] = ToJson(r.GetBayesFactors());
     j["GetIsLogBayesFactor"] = ToJson(r.GetIsLogBayesFactor());
+    j["GetLogBayesFactors"] = ToJson(r.GetLogBayesFactors());
     j["GetNs"] = ToJson(r.GetNs());
 }
 
