@@ -308,6 +308,20 @@ void writeJson(const RunOptions& options, const Outcome& outcome, std::ostream& 
     if (!file) throw InputError(fmt::format("--json: cannot write '{}'", options.jsonPath));
 }
 
+// Writes DIR/<name>.svg for each ready-made figure (tables drawn as pictures).
+std::vector<std::string> writeFigures(const std::vector<SvgFigure>& figures, const std::string& dir) {
+    std::vector<std::string> written;
+    for (const SvgFigure& figure : figures) {
+        const std::string path = dir + "/" + PlotFileStem(figure.name) + ".svg";
+        std::ofstream file(path, std::ios::binary);
+        file << figure.svg;
+        file.close();
+        if (!file) throw InputError(fmt::format("--plots: cannot write '{}'", path));
+        written.push_back(path);
+    }
+    return written;
+}
+
 // Everything read from the two input files, checked.
 struct Inputs {
     BSNSettings settings;
@@ -390,7 +404,8 @@ int runChecked(const RunOptions& options, std::ostream& out, std::ostream& err) 
     printStatusAndWarnings(report, outcome, nValidationWarnings, in.settings, in.data);
     if (!options.jsonPath.empty()) writeJson(options, outcome, out);
     if (!options.plotsDir.empty() && outcome.haveResults) {
-        const auto written = WritePlots(outcome.view.plots, options.plotsDir);
+        auto written = WritePlots(outcome.view.plots, options.plotsDir);
+        for (const std::string& path : writeFigures(outcome.view.figures, options.plotsDir)) written.push_back(path);
         if (!options.quiet) report << fmt::format("Plots: {} file(s) in {}\n", written.size(), options.plotsDir);
     }
     if (refused) {
