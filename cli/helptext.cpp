@@ -29,7 +29,8 @@ const char* const kExample = R"(EXAMPLE
   bsn run examples/binomial.json examples/binomial.csv --json - > result.json
   bsn run examples/normal.json examples/normal.csv --json result.json --plots plots --quiet
 
-  More examples: examples/poisson.*, examples/normal.*, examples/related.*
+  More examples: examples/poisson.*, examples/normal.*, examples/related.*,
+  examples/loglinear.*
 )";
 
 const char* const kSettingsRules = R"(SETTINGS FILE
@@ -47,6 +48,12 @@ const char* const kSettingsRules = R"(SETTINGS FILE
   - Test variables: a one-sample binomial test reads Factors (values 0/1, or
     k for k successes in one trial), Poisson and normal tests read
     Covariates, related samples pair Covariates[i] with 2ndRelatedList[i].
+  - A log-linear analysis (ModelType LogLinear) reads Factors = [row
+    factor, column factor]. A record with a missing factor value or weight
+    is left out; one whose weight is negative is left out with a warning.
+    Weights are used as they stand (not rounded); only Fisher's exact test
+    rounds the cell counts, half up. The intrinsic prior's cost grows with
+    the square of LogLinIntrinsicT.
   - NCases, when left out, is the number of records in the data file.
   - FactorSizes and FullModFactorSizes may be left out: they are then the
     number of categories found in each coded factor (2 for binomial test
@@ -110,7 +117,9 @@ const char* const kOutput = R"(OUTPUT
   exp(loglik - max loglik) so that its peak is 1 (the library gives the
   log-likelihood up to a constant), the prior density (a flat prior is a
   horizontal line at 1), and the posterior density. Missing points are
-  left out of a curve.
+  left out of a curve. A log-linear analysis writes a heat map of the table
+  (cells coloured by (observed - expected)/sqrt(expected)) and the posterior
+  density of the log odds ratio of the first MaxNPlots pairs of categories.
 
   On a terminal a progress line is shown on stderr; Ctrl-C cancels the
   analysis (a second Ctrl-C ends bsn at once).

@@ -167,10 +167,12 @@ std::string heatMapSvg(const BSNContingency& t, const std::string& title, const 
     for (const auto& l : colLabels) colChars = std::max(colChars, shortened(l, 18).size());
     const bool labelRows = cell >= 10.0, labelCols = cell >= 10.0;
     const double left = 16.0 + (labelRows ? kChar * static_cast<double>(rowChars) + 8.0 : 0.0);
-    const double titleWidth = kChar * static_cast<double>(title.size()) + 32.0;
+    const double titleWidth = 9.0 * static_cast<double>(title.size()) + 32.0;  // 15px bold
     const double top = 44.0 + (labelCols ? kChar * static_cast<double>(colChars) + 8.0 : 0.0);
     const double gridW = cell * Cn, gridH = cell * R;
-    const double width = std::max({left + gridW + 24.0, titleWidth, 360.0});
+    const std::string note = "colour: (observed - expected) / &#8730;expected; grey: empty row or column";
+    const double noteWidth = 32.0 + 0.6 * 11.0 * static_cast<double>(note.size());  // ample: the entity is one glyph
+    const double width = std::max({left + gridW + 24.0, titleWidth, noteWidth});
     const double height = top + gridH + 78.0;
 
     std::string svg = fmt::format(
@@ -217,9 +219,7 @@ std::string heatMapSvg(const BSNContingency& t, const std::string& title, const 
     for (int k : {-4, 0, 4})
         svg += fmt::format("<text x=\"{:.1f}\" y=\"{:.1f}\" font-size=\"11\" text-anchor=\"middle\">{}</text>\n",
                            16.0 + lw * (k + 4) / 8.0, ly + 26.0, k == 4 ? "+4" : std::to_string(k));
-    svg += fmt::format("<text x=\"16\" y=\"{:.1f}\" font-size=\"11\">colour: (observed - expected) / "
-                       "&#8730;expected; grey: empty row or column</text>\n",
-                       ly + 46.0);
+    svg += fmt::format("<text x=\"16\" y=\"{:.1f}\" font-size=\"11\">{}</text>\n", ly + 46.0, note);
     svg += "</svg>\n";
     return svg;
 }

@@ -233,10 +233,15 @@ MCStatus BSNLogLinPosterior::Compute() {
             cells.emplace_back((shapes.size() == 1 ? shapes[0] : shapes[k]) + m_counts[i][j]);
         }
 
-    const double alpha = (100.0 - m_settings.GetCILevel()) / 100.0;
+    // Limits need a level strictly between 0 and 100; a plot domain level
+    // outside (0, 1/2) falls back to the usual 0.005.
+    const double level = m_settings.GetCILevel();
+    const bool wantLimits = !MCMV::IsMissing(level) && level > 0.0 && level < 100.0;
+    const double alpha = wantLimits ? (100.0 - level) / 100.0 : 0.05;
     const int maxPlots = std::max(m_settings.GetMaxNPlots(), 0);
     const int nPoints = m_settings.GetNPlotPoints();
-    const double domainLevel = m_settings.GetPlotDomainLevel();
+    double domainLevel = m_settings.GetPlotDomainLevel();
+    if (MCMV::IsMissing(domainLevel) || !(domainLevel > 0.0 && domainLevel < 0.5)) domainLevel = 0.005;
     bool improper = false;
     std::vector<Complex> phi;
     for (std::size_t a = 0; a < R; ++a)
@@ -284,8 +289,9 @@ MCStatus BSNLogLinPosterior::Compute() {
                     }
                     const double sd = std::sqrt(variance);
                     const CentredLaw law(h, phi, sd, below, above);
-                    BayesEstimation e(mean + law.Mode(), mean, variance, mean + law.Quantile(alpha / 2.0),
-                                      mean + law.Quantile(1.0 - alpha / 2.0));
+                    BayesEstimation e(mean + law.Mode(), mean, variance,
+                                      wantLimits ? mean + law.Quantile(alpha / 2.0) : MCMV::Missing(),
+                                      wantLimits ? mean + law.Quantile(1.0 - alpha / 2.0) : MCMV::Missing());
                     m_estimations.push_back(e);
                     if (m_estimations.size() <= static_cast<std::size_t>(maxPlots) && nPoints >= 2) {
                         const double lo = law.Quantile(domainLevel), hi = law.Quantile(1.0 - domainLevel);

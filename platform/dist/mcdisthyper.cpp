@@ -119,7 +119,7 @@ double MCDistFun::StirlingRemainder(double z) {
 
 double MCDistFun::PdfHyper(double x, double n, double r, double c) {
     Urn u{};
-    if (!makeUrn(n, r, c, u) || !isWhole(x)) return MCMV::Missing();
+    if (!makeUrn(n, r, c, u) || MCMV::IsMissing(x) || !isWhole(x)) return MCMV::Missing();
     const double lp = logProbability(x, u);
     return lp == kNegInf ? 0.0 : MCMV::Sanitize(std::exp(lp));
 }
