@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <climits>
 #include <cmath>
+#include <limits>
 
 #include "bsn/frame/bsnreporter.h"
 #include "platform/common/mcmv.h"
@@ -20,6 +21,8 @@ int sizeAt(const std::vector<int>& sizes, std::size_t i) {
 }
 
 int varAt(const std::vector<int>& vars, std::size_t i) { return i < vars.size() ? vars[i] : -1; }
+
+constexpr double kLargest = std::numeric_limits<double>::max();
 
 int clampToInt(std::int64_t n) { return static_cast<int>(std::min<std::int64_t>(n, INT_MAX)); }
 
@@ -61,36 +64,52 @@ MCStatus BSNContingency::BuildModel(MCCommon_850::MultiPassRecordIter& iter,
     const int every = std::max(frequency, 1);
     int countdown = every;
 
+    // Counters kept in locals, so the loop need not store them every time.
+    std::int64_t nRecords = 0, nMissing = 0, nInvalid = 0;
+    const auto keepCounts = [&] {
+        m_nRecords = nRecords;
+        m_nMissing = nMissing;
+        m_nInvalid = nInvalid;
+    };
     iter.Reset();
     while (iter.Advance()) {
         const MCCommon_850::Record* record = iter.GetRecord();
         if (record == nullptr) continue;
-        ++m_nRecords;
+        ++nRecords;
         const double row = record->GetValue(m_rowVar), col = record->GetValue(m_colVar);
         const double weight = m_weightVar >= 0 ? record->GetValue(m_weightVar) : 1.0;
-        if (MCMV::IsMissing(row) || MCMV::IsMissing(col) || MCMV::IsMissing(weight)) {
-            ++m_nMissing;
+        // The usual record in one test: codes in range (the missing value,
+        // NaN and infinities all fail it) and a finite weight of 0 or more.
+        // Converting a non-negative code to an index truncates it.
+        if (row >= 0.0 && row < rows && col >= 0.0 && col < cols && weight >= 0.0 && weight <= kLargest) {
+            cells[static_cast<std::size_t>(static_cast<int>(row)) * nCols + static_cast<std::size_t>(static_cast<int>(col))] +=
+                weight;
+        } else if (MCMV::IsMissing(row) || MCMV::IsMissing(col) || MCMV::IsMissing(weight)) {
+            ++nMissing;
         } else {
+            // Codes in (-1, 0) truncate to 0.
             const double i = std::trunc(row), j = std::trunc(col);
             if (i >= 0.0 && i < rows && j >= 0.0 && j < cols && weight >= 0.0)
                 cells[static_cast<std::size_t>(i) * nCols + static_cast<std::size_t>(j)] += weight;
             else
-                ++m_nInvalid;
+                ++nInvalid;
         }
         if (m_cancelInfo.IsCancel()) {
+            keepCounts();
             m_status = MCStatus(1, false);
             return m_status;
         }
         if (--countdown == 0) {
             countdown = every;
             if (listener != nullptr) {
-                reporter.SetNRecords(clampToInt(m_nRecords));
+                reporter.SetNRecords(clampToInt(nRecords));
                 listener->Notify(reporter);
             }
         }
     }
+    keepCounts();
     if (listener != nullptr && countdown != every) {
-        reporter.SetNRecords(clampToInt(m_nRecords));
+        reporter.SetNRecords(clampToInt(nRecords));
         listener->Notify(reporter);
     }
     for (int i = 0; i < m_nRows; ++i)
