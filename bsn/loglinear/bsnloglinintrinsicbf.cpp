@@ -18,6 +18,10 @@ namespace {
 
 int roundHalfUp(double x) { return static_cast<int>(std::floor(x + 0.5)); }
 
+// Beyond this many pairs of training samples (T of about 120,000) the sum
+// would run for minutes: the factor is not computed (warning 410059).
+constexpr double kMaxTrainingPairs = 4e9;
+
 // ln of the rising factorial a (a + 1) ... (a + k - 1) for k = 0..n, by
 // running sums: exact to the last bits however large a is, where
 // lnΓ(a + k) - lnΓ(a) would lose six digits at a = 1e9.
@@ -63,6 +67,11 @@ BSNLogLinIntrinsicBF::~BSNLogLinIntrinsicBF() = default;
 double BSNLogLinIntrinsicBF::ComputeBayesFactor() {
     if (!m_status.IsOK()) return m_bayesFactor;
     const int T = m_T, Tg[2] = {m_T1, m_T2};
+    if ((Tg[0] + 1.0) * (Tg[1] + 1.0) > kMaxTrainingPairs) {
+        m_status = MCStatus(410059, true);
+        m_warnings.AddWarning(m_status, nullptr);
+        return m_bayesFactor;
+    }
     std::vector<double> logFactorial(static_cast<std::size_t>(T) + 2);
     for (int k = 0; k <= T + 1; ++k) logFactorial[k] = MCMath_850::MCDistFun::quondnlgam(k + 1.0);
     const auto lbeta1 = [&](int y, int t) { return logFactorial[y] + logFactorial[t - y] - logFactorial[t + 1]; };

@@ -11,7 +11,8 @@
 // T is the settings' LogLinIntrinsicT when it is 2 or more, otherwise
 // min(N, 1000) rounded; T1 = round(T n1 / N), T2 = T - T1. The mixture has
 // (T1 + 1)(T2 + 1) terms, so its cost grows as T²; the loop polls for
-// cancellation.
+// cancellation, and beyond 4e9 terms (T about 120,000) the factor is not
+// computed (warning 410059).
 #include <iosfwd>
 
 #include "bsn/loglinear/bsnloglinbayesfactor.h"

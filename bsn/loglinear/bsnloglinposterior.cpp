@@ -38,6 +38,9 @@ constexpr double kTailMass = 1e-17;
 constexpr double kLogNegligible = -40.0;
 // A cap on the nodes of one pair (reached only for shapes near 0.001).
 constexpr std::size_t kMaxNodes = std::size_t{1} << 21;
+// Beyond this many pairs (a table of about 80 × 80 non-empty categories)
+// the estimates would take gigabytes and minutes: none are computed.
+constexpr double kMaxPairs = 1e7;
 
 // ln b - ψ(b) for b >= 10: 1/(2b) + Σ B_2k / (2k b^2k); the next term is
 // below 1e-16 of the first at b = 10.
@@ -225,6 +228,13 @@ MCStatus BSNLogLinPosterior::Compute() {
 
     // The cells of the non-empty rows and columns, in that grid.
     const std::size_t R = m_rows.size(), C = m_cols.size();
+    const double nPairs = R * (R - 1) / 2.0 * (C * (C - 1) / 2.0);
+    if (nPairs > kMaxPairs) {
+        m_status = MCStatus(420042, true);
+        m_status.SetScaleDatum(0, nPairs);
+        m_warnings.AddWarning(m_status, nullptr);
+        return m_status;
+    }
     std::vector<CellLaw> cells;
     cells.reserve(R * C);
     for (int i : m_rows)

@@ -47,7 +47,8 @@ public:
     BSNLogLinPosterior& operator=(const BSNLogLinPosterior&) = delete;
 
     // Error 410060 when the number of shapes is neither 1 nor R·C; error 1
-    // on cancellation; warning 420041 for pairs without a proper posterior.
+    // on cancellation; warning 420041 for pairs without a proper posterior;
+    // warning 420042 (and no estimates) for more than ten million pairs.
     MCCommon_850::MCStatus Compute();
 
     MCCommon_850::MCStatus GetStatus() const { return m_status; }

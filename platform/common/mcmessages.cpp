@@ -15,6 +15,10 @@ bool PlatformMessage(int code, std::string& text) {
         text = "Warning: some pairs of categories have no proper posterior (a cell's shape plus count is not "
                "positive); their estimates are missing";
         return true;
+    case 420042:
+        text = "Warning: there are too many pairs of categories (more than ten million) for posterior "
+               "estimates; none were computed";
+        return true;
     default:
         return false;
     }

@@ -258,6 +258,19 @@ TEST(LogLinearFactors, SettingsThatGiveNoFactor) {
     }
 }
 
+TEST(LogLinearFactors, IntrinsicRefusesAnEndlessSum) {
+    // T = 200,000 would mean 1e10 pairs of training samples.
+    BSNSettings s = Settings(2, 2);
+    s.SetAnalysType(C::BayesFactor);
+    s.SetLogLinPriorType(C::LogLinIntrinsic);
+    s.SetLogLinIntrinsicT(200000);
+    Build b(s, Matrix{{12, 5}, {3, 10}});
+    ASSERT_NE(b.Result(), nullptr);
+    EXPECT_EQ(b.WarningCodes(), std::vector<int>{410059});
+    EXPECT_EQ(b.Result()->GetBayesFactor(), kMiss);
+    EXPECT_EQ(b.Result()->GetT(), 200000);
+}
+
 TEST(LogLinearFactors, LogBetaPiecesFollowThePositiveArgumentRule) {
     // The excess form against the literal log-beta sums, with zero and
     // negative shapes whose entries drop out of one sum or of both.

@@ -113,6 +113,17 @@ TEST(LogLinearPosterior, ImproperPairsStayMissing) {
     EXPECT_EQ(wrong.status.GetDiscreteDatum(1), 3);
 }
 
+TEST(LogLinearPosterior, TooManyPairsAreRefusedNotAttempted) {
+    // 81 × 81 non-empty categories: 3240² = 10.5 million pairs.
+    BSNSettings s = Settings(81, 81);
+    s.SetAnalysType(BSNConst::Posterior);
+    Build b(s, Matrix(81, std::vector<double>(81, 1.0)));
+    ASSERT_NE(b.Result(), nullptr);
+    EXPECT_EQ(b.WarningCodes(), std::vector<int>{420042});
+    EXPECT_TRUE(b.Result()->GetPosteriorEstimations().empty());
+    EXPECT_NE(b.Result()->GetChiSquareResult().GetWald(), kMiss);
+}
+
 TEST(LogLinearPosterior, DensityCurvesOfTheFirstPairs) {
     std::vector<double> xs, ys;
     const BayesEstimation e = estimateFor({35, 25, 10, 14}, 95, &xs, &ys);
