@@ -276,6 +276,11 @@ MCStatus BSNLogLinPosterior::Compute() {
                         plus[0]->variance + plus[1]->variance + minus[0]->variance + minus[1]->variance;
                     const double below = plus[0]->below + plus[1]->below + minus[0]->above + minus[1]->above;
                     const double above = plus[0]->above + plus[1]->above + minus[0]->below + minus[1]->below;
+                    if (!std::isfinite(below + above) || !(below + above > 0.0)) {
+                        improper = true;
+                        m_estimations.emplace_back();
+                        continue;
+                    }
                     // Every point used lies within [-below, above], so a
                     // period of below + above keeps the aliased mass under
                     // the tails' 4e-17.
