@@ -67,6 +67,7 @@ const char* const kRegressionRules = R"(REGRESSION AND ANOVA (model types 4 and 
   - PlotFactors (with PlotFactorCats, at most MaxNPlotCategories each) and
     PlotCovars choose the coefficients plotted (at most MaxNPlots); sigma^2
     and the prediction are always plotted.
+  examples/loglinear.*
 )";
 
 const char* const kSettingsRules = R"(SETTINGS FILE
@@ -84,6 +85,12 @@ const char* const kSettingsRules = R"(SETTINGS FILE
   - Test variables: a one-sample binomial test reads Factors (values 0/1, or
     k for k successes in one trial), Poisson and normal tests read
     Covariates, related samples pair Covariates[i] with 2ndRelatedList[i].
+  - A log-linear analysis (ModelType LogLinear) reads Factors = [row
+    factor, column factor]. A record with a missing factor value or weight
+    is left out; one whose weight is negative is left out with a warning.
+    Weights are used as they stand (not rounded); only Fisher's exact test
+    rounds the cell counts, half up. The intrinsic prior's cost grows with
+    the square of LogLinIntrinsicT.
   - NCases, when left out, is the number of records in the data file.
   - FactorSizes and FullModFactorSizes may be left out: they are then the
     number of categories found in each coded factor (2 for binomial test
@@ -166,6 +173,9 @@ const char* const kOutput = R"(OUTPUT
     - the title names the variable, the subtitle states the Bayes factor in
       words ("BF01 = 3.69: the data are 3.7 times more likely under the
       null"; a factor kept as its logarithm reads "log BF01 = ...").
+  A log-linear analysis adds a heat map of the table (cells coloured by
+  (observed - expected)/sqrt(expected)) and plots the posterior density of
+  the log odds ratio of the first MaxNPlots pairs of categories.
   When the posterior is narrow on that axis, a close-up of it follows
   below. Missing points are left out of a curve. Unless the settings file
   sets NPlotPoints, bsn asks for 400 points per curve (instead of the

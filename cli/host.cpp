@@ -326,6 +326,7 @@ void writeJson(const RunOptions& options, const Outcome& outcome, const DataInfo
     WriteFileWhole(options.jsonPath, text, "--json");
 }
 
+// Writes DIR/<name>.svg for each ready-made figure (tables drawn as pictures).
 // Everything read from the two input files, checked.
 struct Inputs {
     BSNSettings settings;

@@ -11,6 +11,7 @@ bool DescribeNormal(const MCBSN_850::BSNOutputStats& result, const DataInfo& dat
 bool DescribeRelated(const MCBSN_850::BSNOutputStats& result, const DataInfo& data, ResultView& view);
 // Regression and one-way ANOVA share one result class.
 bool DescribeRegression(const MCBSN_850::BSNOutputStats& result, const DataInfo& data, ResultView& view);
+bool DescribeLogLinear(const MCBSN_850::BSNOutputStats& result, const DataInfo& data, ResultView& view);
 
 // The getters the binomial and Poisson results share: the head of both
 // lists, and the posterior summaries in their middle.
