@@ -51,7 +51,7 @@ python3 - "$work/example.txt" "$work/normal.json" "$work/related.json" <<'PY'
 import json, sys
 
 # The example prints one table per analysis: a title line, a header line
-# and one row per test variable or pair (name, then six numbers at six
+# and one row per test variable or pair (name, then seven numbers at six
 # significant digits, "." for missing).
 sections = []
 for line in open(sys.argv[1]):
@@ -62,8 +62,8 @@ for line in open(sys.argv[1]):
     elif line.split()[0] != "variable":
         sys.exit("checkinstall: the example reported: " + line.strip())
 
-getters = ["GetBayesFactors", "GetModeValues", "GetPostMeanValues", "GetVarianceValues", "GetLowerLimits",
-           "GetUpperLimits"]
+getters = ["GetBayesFactors", "GetLogBayesFactors", "GetModeValues", "GetPostMeanValues", "GetVarianceValues",
+           "GetLowerLimits", "GetUpperLimits"]
 if len(sections) != len(sys.argv) - 2:
     sys.exit(f"checkinstall: the example printed {len(sections)} analyses, expected {len(sys.argv) - 2}")
 failures = checked = 0
@@ -73,13 +73,13 @@ for rows, path in zip(sections, sys.argv[2:]):
     if len(rows) != expected_rows:
         sys.exit(f"checkinstall: {len(rows)} rows printed for {path}, the host has {expected_rows}")
     for i, row in enumerate(rows):
-        for getter, printed in zip(getters, row[-6:]):
+        for getter, printed in zip(getters, row[-7:]):
             value = results[getter][i]
             want = "." if value is None else "%.6g" % value
             checked += 1
             if printed != want:
                 failures += 1
-                print(f"checkinstall: {' '.join(row[:-6])} {getter}: example {printed}, host {want}")
+                print(f"checkinstall: {' '.join(row[:-7])} {getter}: example {printed}, host {want}")
 if failures:
     sys.exit(f"checkinstall: {failures} of {checked} numbers differ")
 print(f"checkinstall: the installed example agrees with the host on all {checked} numbers")

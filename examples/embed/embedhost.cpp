@@ -94,12 +94,14 @@ void run(const char* title, BSNSettings settings, const std::vector<std::string>
     // Both results share the normal-mean getters; the pointer lives as long as the component.
     const auto& r = dynamic_cast<const BSNNormalMeanOutputStats&>(*component.GetOutputStats());
     std::cout << "  " << std::left << std::setw(24) << "variable" << std::right;
-    for (const char* h : {"BF01", "mode", "mean", "variance", "lower95", "upper95"}) std::cout << std::setw(12) << h;
+    for (const char* h : {"BF01", "log BF01", "mode", "mean", "variance", "lower95", "upper95"})
+        std::cout << std::setw(12) << h;
     std::cout << '\n' << std::setprecision(6);
     for (std::size_t i = 0; i < names.size(); ++i) {
         std::cout << "  " << std::left << std::setw(24) << names[i] << std::right;
-        for (const auto* v : {&r.GetBayesFactors(), &r.GetModeValues(), &r.GetPostMeanValues(), &r.GetVarianceValues(),
-                              &r.GetLowerLimits(), &r.GetUpperLimits()}) {
+        for (const auto* v : {&r.GetBayesFactors(), &r.GetLogBayesFactors(), &r.GetModeValues(),
+                              &r.GetPostMeanValues(), &r.GetVarianceValues(), &r.GetLowerLimits(),
+                              &r.GetUpperLimits()}) {
             if (MCMV::IsMissing((*v)[i])) std::cout << std::setw(12) << ".";
             else std::cout << std::setw(12) << (*v)[i];
         }
