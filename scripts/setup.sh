@@ -4,6 +4,8 @@
 set -euo pipefail
 
 packages=(cmake ninja-build g++ libboost-dev nlohmann-json3-dev libcli11-dev libfmt-dev libgtest-dev libbenchmark-dev libeigen3-dev libtinyxml2-dev)
+# The install check builds the embedding example through pkg-config and compares numbers with python3.
+packages+=(pkgconf python3)
 missing=()
 for p in "${packages[@]}"; do
   dpkg-query -W -f='${Status}' "$p" 2>/dev/null | grep -q "install ok installed" || missing+=("$p")
