@@ -5,6 +5,7 @@
 #include "bsn/onesample/bsn1samplebinomial.h"
 #include "bsn/onesample/bsn1samplenormal.h"
 #include "bsn/onesample/bsn1samplepoisson.h"
+#include "bsn/twosample/bsn2sampleindependent.h"
 #include "bsn/twosample/bsn2samplerelated.h"
 
 namespace MCBSN_850 {
@@ -26,6 +27,8 @@ std::unique_ptr<BSNAlgorithm> createProcedure(const BSNSettings& settings, const
         }
     case BSNConst::Related:
         return std::make_unique<BSN2SampleRelated>(settings, varList);
+    case BSNConst::Independent:
+        return std::make_unique<BSN2SampleIndependent>(settings, varList);
     default:
         return nullptr;
     }
