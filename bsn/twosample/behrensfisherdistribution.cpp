@@ -184,18 +184,30 @@ void BehrensFisherDistribution::lowerTail(double y, double cdfTol, double pdfTol
     std::vector<Panel> panels;
     for (int line = 0; line < 2; ++line) {
         const Component& c = *outer[line];
-        double from = 0.0, to = 0.0;
-        if (c.useAngle) {
-            from = std::atan(lower[line] / std::sqrt(c.df));
-            to = kHalfPi;
-        } else {
-            from = std::max(lower[line], -c.cut);
-            to = c.cut;
+        const double root = std::sqrt(c.df);
+        // Panel edges in u: the lower end, the density's peak at 0 and the
+        // cut (or infinity). When the inner variable's scale is much the
+        // smaller, its tail falls off over a stretch of innerScale /
+        // outerScale in u just above the lower end, too narrow for a rule
+        // spread over the whole half-line to see: edges at geometrically
+        // growing distances from the lower end resolve it.
+        std::vector<double> edges;
+        const double from = c.useAngle ? lower[line] : std::max(lower[line], -c.cut);
+        const double to = c.useAngle ? std::numeric_limits<double>::infinity() : c.cut;
+        if (!(from < to)) continue;
+        edges.push_back(from);
+        const double narrow = innerScale[line] / outerScale[line];
+        if (narrow < 0.5)
+            for (double step = narrow; from + step < std::min(0.0, to) - narrow; step *= 4.0)
+                edges.push_back(from + step);
+        if (from < 0.0 && 0.0 < to) edges.push_back(0.0);
+        edges.push_back(to);
+        for (std::size_t k = 0; k + 1 < edges.size(); ++k) {
+            const double a = c.useAngle ? std::atan(edges[k] / root) : edges[k];
+            const double b = c.useAngle ? (std::isinf(edges[k + 1]) ? kHalfPi : std::atan(edges[k + 1] / root))
+                                        : edges[k + 1];
+            if (a < b) panels.push_back(Panel{line, a, b, {}, {}});
         }
-        if (from >= to) continue;
-        // The density's peak at 0 is a panel edge.
-        if (from < 0.0) panels.push_back(Panel{line, from, 0.0, {}, {}});
-        panels.push_back(Panel{line, std::max(from, 0.0), to, {}, {}});
     }
     for (Panel& p : panels) evaluate(p);
 
