@@ -177,8 +177,10 @@ bool DescribeIndependent(const MCBSN_850::BSNOutputStats& base, const DataInfo& 
     for (int g = 0; g < 2; ++g) {
         const std::string& label = g == 0 ? labels.first : labels.second;
         groups.AddColumn("N " + label, intCells(g == 0 ? r->GetGroup1StatsNs() : r->GetGroup2StatsNs(), rows));
-        groups.AddColumn("Mean " + label, FormatNumbers(g == 0 ? r->GetGroup1MeanValues() : r->GetGroup2MeanValues(), rows));
-        groups.AddColumn("Std. dev. " + label, FormatNumbers(g == 0 ? r->GetGroup1StdDevs() : r->GetGroup2StdDevs(), rows));
+        groups.AddColumn("Mean " + label,
+                         FormatNumbers(g == 0 ? r->GetGroup1MeanValues() : r->GetGroup2MeanValues(), rows));
+        groups.AddColumn("Std. dev. " + label,
+                         FormatNumbers(g == 0 ? r->GetGroup1StdDevs() : r->GetGroup2StdDevs(), rows));
         groups.AddColumn("Std. error " + label, FormatNumbers(g == 0 ? r->GetGroup1EMs() : r->GetGroup2EMs(), rows));
     }
     if (data.varList.IsValidIndex(s.GetGroupVar())) {
@@ -186,8 +188,9 @@ bool DescribeIndependent(const MCBSN_850::BSNOutputStats& base, const DataInfo& 
         if (all.size() > 2) {
             std::string rest;
             for (std::size_t k = 2; k < all.size(); ++k) rest += (k > 2 ? ", " : "") + all[k];
-            groups.AddNote(fmt::format("The groups are the first two categories of {} ({}, {}); cases in {} are left out.",
-                                       data.Name(s.GetGroupVar()), labels.first, labels.second, rest));
+            groups.AddNote(
+                fmt::format("The groups are the first two categories of {} ({}, {}); cases in {} are left out.",
+                            data.Name(s.GetGroupVar()), labels.first, labels.second, rest));
         }
     }
     view.tables.push_back(groups);
@@ -207,8 +210,8 @@ bool DescribeIndependent(const MCBSN_850::BSNOutputStats& base, const DataInfo& 
         tests.AddNote("t, df, Sig.: pooled (equal variances); Welch: unequal variances.");
         view.tables.push_back(tests);
 
-        TextTable factors =
-            BayesFactorTable(fmt::format("Bayes factor of equal means ({})", factorName(s)), names, r->GetBayesFactors(), {});
+        TextTable factors = BayesFactorTable(fmt::format("Bayes factor of equal means ({})", factorName(s)), names,
+                                             r->GetBayesFactors(), {});
         factors.AddColumn("log BF", FormatNumbers(r->GetLogBayesFactors(), rows));
         if (s.GetRegrCompType() == C::Gonen &&
             (MCMV::IsMissing(s.GetRegrComPar()) || MCMV::IsMissing(s.GetSecondGonenPar())))

@@ -227,7 +227,11 @@ void BehrensFisherDistribution::lowerTail(double y, double cdfTol, double pdfTol
         cdf = total.cdf;
         pdf = total.pdf;
         const bool cdfDone = !wantCdf || error.cdf <= cdfLimit, pdfDone = error.pdf <= pdfLimit;
-        if ((cdfDone && pdfDone) || panels.size() >= kMaxPanels) return;
+        if (cdfDone && pdfDone) return;
+        if (panels.size() >= kMaxPanels) {
+            m_converged = false;
+            return;
+        }
         // Halve the panel that contributes most to the unmet error.
         for (std::size_t i = 0; i < panels.size(); ++i) {
             const double score = (cdfDone ? 0.0 : panels[i].error.cdf / cdfLimit) +
@@ -295,6 +299,7 @@ double BehrensFisherDistribution::Quantile(double p) const {
         if (std::isfinite(lo) && hi - lo <= 1e-10 * std::fabs(lo)) return MCMV::Sanitize((lo + hi) / 2.0);
         q = next;
     }
+    m_converged = false;
     return MCMV::Sanitize(q);
 }
 
@@ -314,6 +319,7 @@ void BehrensFisherDistribution::Display(std::ostream& os) const {
     DisplayD("Smaller Scale", m_small.scale);
     DisplayD("Its Degrees of Freedom", m_small.df);
     DisplayL("Integrand Evaluations", m_evaluations);
+    DisplayB("Converged", m_converged);
     DisplayText(0, "End of display BehrensFisherDistribution object");
 }
 

@@ -42,6 +42,10 @@ public:
     // Integrand evaluations of the calls so far (for diagnostics and
     // benchmarks).
     long GetNEvaluations() const { return m_evaluations; }
+    // False once a quadrature stopped at its panel limit short of its
+    // tolerance or a quantile search ran out of steps: the values returned
+    // since may be less accurate than intended.
+    bool Converged() const { return m_converged; }
 
     void Display(std::ostream& os) const;
 
@@ -67,6 +71,7 @@ private:
     Component m_small;  // the smaller scale
     bool m_valid = false;
     mutable long m_evaluations = 0;
+    mutable bool m_converged = true;
 };
 
 } // namespace MCBSN_850

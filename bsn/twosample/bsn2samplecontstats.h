@@ -10,6 +10,8 @@
 // their small spread instead of losing it to the size of the mean.
 #include <iosfwd>
 
+#include "platform/common/mcmv.h"
+
 namespace MCBSN_850 {
 
 class BSN2SampleContStats {
@@ -17,12 +19,32 @@ public:
     // One case of frequency 1 and case weight 1: W += 1; C += 1;
     // delta = x - mean; mean += delta / C; D += delta^2 (C_before / C).
     // A missing x changes nothing and returns false.
-    bool Update(double x);
+    bool Update(double x) { return Update(x, 1.0, 1.0); }
     // One case of whole frequency f and case weight w, c = f w:
     // W += f; C_after = C + c; delta = x - mean; mean += delta c / C_after;
     // D += delta^2 C c / C_after. A missing x, or f or c that is missing or
     // not positive, changes nothing and returns false.
-    bool Update(double x, double f, double w);
+    bool Update(double x, double f, double w) {
+        if (MCCommon_850::MCMV::IsMissing(x)) return false;
+        const double c = f * w;
+        // A weight product that is not a positive number would divide by
+        // zero or pull the mean away from the data.
+        if (!(f > 0.0) || !(c > 0.0) || MCCommon_850::MCMV::IsMissing(c)) return false;
+        if (!m_hasShift) {
+            m_shift = x;
+            m_hasShift = true;
+        }
+        // In the data pass for every variable of every case: one division.
+        const double before = m_sumCombined;
+        const double after = before + c;
+        const double share = c / after;
+        const double delta = (x - m_shift) - m_mean;
+        m_sumFreq += f;
+        m_mean += delta * share;
+        m_sumSquares += delta * delta * before * share;
+        m_sumCombined = after;
+        return true;
+    }
 
     // W, the sum of frequency weights.
     double GetSumFreqWeights() const { return m_sumFreq; }

@@ -68,7 +68,8 @@ MCStatus BSN2SampleIndependent::BuildModel(MCCommon_850::MultiPassRecordIter& it
     if (type == BSNConst::BayesFactor || type == BSNConst::Both)
         m_bayesFactor = BSN2SampleIndBayesFactor::CreateBayesFactor(m_settings, m_varList, m_warnings);
     if (type == BSNConst::Posterior || type == BSNConst::Both) {
-        if (!TakeStageStatus(BSN2SampleIndPosterior::CreatePosterior(m_settings, m_varList, m_cancelInfo, &m_posterior)))
+        if (!TakeStageStatus(
+                BSN2SampleIndPosterior::CreatePosterior(m_settings, m_varList, m_cancelInfo, &m_posterior)))
             return FinishBuild();
     }
 

@@ -131,8 +131,12 @@ void BSN2SampleIndOutputStats::SetOutputValues(const BSNSettings& settings, cons
     *m_imp = std::move(fresh);
 }
 
+using Curves = BSN2SampleIndOutputStats::Curves;
+
 const BSNSettings& BSN2SampleIndOutputStats::GetSettings() const { return m_imp->settings; }
-const std::vector<int>& BSN2SampleIndOutputStats::GetGroupStatsVarIndices() const { return m_imp->groupStatsVarIndices; }
+const std::vector<int>& BSN2SampleIndOutputStats::GetGroupStatsVarIndices() const {
+    return m_imp->groupStatsVarIndices;
+}
 const std::vector<int>& BSN2SampleIndOutputStats::GetGroup1StatsNs() const { return m_imp->group1Ns; }
 const std::vector<double>& BSN2SampleIndOutputStats::GetGroup1MeanValues() const { return m_imp->group1Means; }
 const std::vector<double>& BSN2SampleIndOutputStats::GetGroup1StdDevs() const { return m_imp->group1StdDevs; }
@@ -159,16 +163,16 @@ const std::vector<double>& BSN2SampleIndOutputStats::GetPostMeanValues() const {
 const std::vector<double>& BSN2SampleIndOutputStats::GetVarianceValues() const { return m_imp->variances; }
 const std::vector<double>& BSN2SampleIndOutputStats::GetLowerLimits() const { return m_imp->lowerLimits; }
 const std::vector<double>& BSN2SampleIndOutputStats::GetUpperLimits() const { return m_imp->upperLimits; }
-const BSN2SampleIndOutputStats::Curves& BSN2SampleIndOutputStats::GetPlotXArguments() const { return m_imp->xArgs; }
-const BSN2SampleIndOutputStats::Curves& BSN2SampleIndOutputStats::GetPlotYArguments() const { return m_imp->yArgs; }
-const BSN2SampleIndOutputStats::Curves& BSN2SampleIndOutputStats::GetPlotXLikelihoods() const { return m_imp->xLikelihoods; }
-const BSN2SampleIndOutputStats::Curves& BSN2SampleIndOutputStats::GetPlotYLikelihoods() const { return m_imp->yLikelihoods; }
-const BSN2SampleIndOutputStats::Curves& BSN2SampleIndOutputStats::GetPlotXPriorArguments() const { return m_imp->xPriorArgs; }
-const BSN2SampleIndOutputStats::Curves& BSN2SampleIndOutputStats::GetPlotYPriorArguments() const { return m_imp->yPriorArgs; }
-const BSN2SampleIndOutputStats::Curves& BSN2SampleIndOutputStats::GetPlotXPrior() const { return m_imp->xPrior; }
-const BSN2SampleIndOutputStats::Curves& BSN2SampleIndOutputStats::GetPlotYPrior() const { return m_imp->yPrior; }
-const BSN2SampleIndOutputStats::Curves& BSN2SampleIndOutputStats::GetPlotArguments() const { return m_imp->postArgs; }
-const BSN2SampleIndOutputStats::Curves& BSN2SampleIndOutputStats::GetPlotPosterior() const { return m_imp->posterior; }
+const Curves& BSN2SampleIndOutputStats::GetPlotXArguments() const { return m_imp->xArgs; }
+const Curves& BSN2SampleIndOutputStats::GetPlotYArguments() const { return m_imp->yArgs; }
+const Curves& BSN2SampleIndOutputStats::GetPlotXLikelihoods() const { return m_imp->xLikelihoods; }
+const Curves& BSN2SampleIndOutputStats::GetPlotYLikelihoods() const { return m_imp->yLikelihoods; }
+const Curves& BSN2SampleIndOutputStats::GetPlotXPriorArguments() const { return m_imp->xPriorArgs; }
+const Curves& BSN2SampleIndOutputStats::GetPlotYPriorArguments() const { return m_imp->yPriorArgs; }
+const Curves& BSN2SampleIndOutputStats::GetPlotXPrior() const { return m_imp->xPrior; }
+const Curves& BSN2SampleIndOutputStats::GetPlotYPrior() const { return m_imp->yPrior; }
+const Curves& BSN2SampleIndOutputStats::GetPlotArguments() const { return m_imp->postArgs; }
+const Curves& BSN2SampleIndOutputStats::GetPlotPosterior() const { return m_imp->posterior; }
 
 void BSN2SampleIndOutputStats::Display(std::ostream& os) const {
     using namespace MCDisplay_850;

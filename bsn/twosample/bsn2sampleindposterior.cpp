@@ -157,7 +157,8 @@ void BSN2SampleIndPosterior::tPosterior(std::size_t i, double centre, double sca
     double low = 0.0, high = 0.0;
     if (!tRange(centre, scale2, df, low, high)) return;
     std::vector<double> args = grid(low, high), values;
-    for (double x : args) values.push_back(std::exp(-(df + 1.0) / 2.0 * std::log1p((x - centre) * (x - centre) / (df * scale2))));
+    for (double x : args)
+        values.push_back(std::exp(-(df + 1.0) / 2.0 * std::log1p((x - centre) * (x - centre) / (df * scale2))));
     setPosteriorCurve(i, std::move(args), std::move(values));
 }
 

@@ -11,12 +11,13 @@ namespace MCBSN_850 {
 
 using MCCommon_850::MCMV;
 
-DiffuseInverseChiPriorsEqualVariances::DiffuseInverseChiPriorsEqualVariances(const BSNSettings& settings, const MCXML_850::MCVarList& varList,
+DiffuseInverseChiPriorsEqualVariances::DiffuseInverseChiPriorsEqualVariances(const BSNSettings& settings,
+                                                                             const MCXML_850::MCVarList& varList,
                                                                              const MCMath_850::MCCancelInfo& cancel)
     : BSN2SampleIndPosterior(settings, varList, cancel) {}
 
-void DiffuseInverseChiPriorsEqualVariances::computeVariable(std::size_t i, const Group& g0, const Group& g1, double diff,
-                                                            MCCommon_850::MCWarnings& /*warnings*/) {
+void DiffuseInverseChiPriorsEqualVariances::computeVariable(std::size_t i, const Group& g0, const Group& g1,
+                                                            double diff, MCCommon_850::MCWarnings& /*warnings*/) {
     if (!(g0.n > 0.0) || !(g1.n > 0.0) || MCMV::IsMissing(g0.mean) || MCMV::IsMissing(g1.mean)) return;
     const double nu0 = m_settings.GetPriorDistParam1(), sigma02 = m_settings.GetPriorDistParam2();
     const double ss = g0.ss + g1.ss;

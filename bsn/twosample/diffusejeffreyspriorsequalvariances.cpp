@@ -11,7 +11,8 @@ namespace MCBSN_850 {
 
 using MCCommon_850::MCMV;
 
-DiffuseJeffreysPriorsEqualVariances::DiffuseJeffreysPriorsEqualVariances(const BSNSettings& settings, const MCXML_850::MCVarList& varList,
+DiffuseJeffreysPriorsEqualVariances::DiffuseJeffreysPriorsEqualVariances(const BSNSettings& settings,
+                                                                         const MCXML_850::MCVarList& varList,
                                                                          const MCMath_850::MCCancelInfo& cancel)
     : BSN2SampleIndPosterior(settings, varList, cancel) {}
 

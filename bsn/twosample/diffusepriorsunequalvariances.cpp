@@ -12,7 +12,13 @@ namespace MCBSN_850 {
 
 using MCCommon_850::MCMV;
 
-DiffusePriorsUnequalVariances::DiffusePriorsUnequalVariances(const BSNSettings& settings, const MCXML_850::MCVarList& varList,
+namespace {
+// The exact limits could not be computed to their full accuracy.
+constexpr int kInaccurateLimits = 420020;
+} // namespace
+
+DiffusePriorsUnequalVariances::DiffusePriorsUnequalVariances(const BSNSettings& settings,
+                                                             const MCXML_850::MCVarList& varList,
                                                              const MCMath_850::MCCancelInfo& cancel)
     : BSN2SampleIndPosterior(settings, varList, cancel) {}
 
@@ -40,6 +46,7 @@ void DiffusePriorsUnequalVariances::computeVariable(std::size_t i, const Group& 
     const bool hasMean = g0.n > 2.0 && g1.n > 2.0;
     setSummary(i, d, hasMean ? d : MCMV::Missing(), dist.Variance(), MCMV::IsMissing(q) ? q : d + q,
                MCMV::IsMissing(q) ? q : d - q);
+    if (!dist.Converged()) warnAt(warnings, kInaccurateLimits, i);
     const double level = m_settings.GetPlotDomainLevel();
     const double edge = MCMV::IsMissing(level) ? MCMV::Missing() : dist.Quantile(level / 2.0);
     if (MCMV::IsMissing(edge) || !(edge < 0.0)) return;

@@ -242,7 +242,8 @@ TEST(IndependentFactors, ComputationTypeChoosesTheFactor) {
     BSNSettings hyper = indepSettings({0}, 1, BC::BayesFactor);
     hyper.SetRegrCompType(BC::Hyper);  // a = 3 by default
     NormalRun h(hyper, cols);
-    EXPECT_DOUBLE_EQ(output(h).GetLogBayesFactors()[0], HyperPriorBayesFactor::LogFactor(11, output(h).GetTValues()[0], 3.0));
+    EXPECT_DOUBLE_EQ(output(h).GetLogBayesFactors()[0],
+                     HyperPriorBayesFactor::LogFactor(11, output(h).GetTValues()[0], 3.0));
 
     // Gonen needs both of its parameters; without them no factor.
     BSNSettings gonen = indepSettings({0}, 1, BC::BayesFactor);

@@ -100,7 +100,8 @@ double convolutionCdf(double y, double a0, double df0, double a1, double df1) {
     const double points[] = {-inf, std::min(cut, 0.0), std::max(cut, 0.0), inf};
     for (int k = 0; k < 3; ++k)
         if (points[k + 1] > points[k])
-            total += boost::math::quadrature::gauss_kronrod<double, 61>::integrate(f, points[k], points[k + 1], 20, 1e-13);
+            total += boost::math::quadrature::gauss_kronrod<double, 61>::integrate(f, points[k], points[k + 1], 20,
+                                                                                   1e-13);
     return total;
 }
 
@@ -108,8 +109,8 @@ double convolutionQuantile(double p, double a0, double df0, double a1, double df
     auto g = [&](double y) { return convolutionCdf(y, a0, df0, a1, df1) - p; };
     std::uintmax_t iterations = 200;
     const double s = std::sqrt(a0 * a0 + a1 * a1);
-    const auto r = boost::math::tools::bracket_and_solve_root(g, -s, 2.0, true,
-                                                              boost::math::tools::eps_tolerance<double>(50), iterations);
+    const auto r = boost::math::tools::bracket_and_solve_root(
+        g, -s, 2.0, true, boost::math::tools::eps_tolerance<double>(50), iterations);
     return (r.first + r.second) / 2;
 }
 
@@ -132,7 +133,8 @@ TEST(IndependentPosterior, PriorClassChoiceAndItsMessages) {
         {"normal, no variances", BC::Normal, {}, false, BC::Diffuse, true, 410002, nullptr, {}},
         {"normal, a bad variance", BC::Normal, {4, -1}, false, BC::Diffuse, true, 410002, nullptr, {}},
         {"normal, no prior", BC::Normal, {4, 9}, false, BC::Diffuse, false, 410019, nullptr, {}},
-        {"diffuse, known", BC::Diffuse, {4, 9}, true, BC::InverseChiSquare, false, 0, "DiffusePriorsKnownVariances", {}},
+        {"diffuse, known", BC::Diffuse, {4, 9}, true, BC::InverseChiSquare, false, 0, "DiffusePriorsKnownVariances",
+         {}},
         {"diffuse, one variance", BC::Diffuse, {4, kMiss}, false, BC::Diffuse, true, 410019, nullptr, {}},
         {"diffuse, no variances", BC::Diffuse, {kMiss, kMiss}, false, BC::Diffuse, true, 0,
          "DiffusePriorsUnequalVariances", {}},
@@ -366,7 +368,8 @@ TEST(IndependentPosterior, DiffuseWarningsAndUndefinedResults) {
         NormalRun r(s, {v0, v1, v2, v3, g});
         ASSERT_TRUE(r.status.IsOK());
         std::vector<std::pair<int, int>> warnings;
-        for (const auto& w : r.component.GetWarningMessages()) warnings.emplace_back(w.GetCode(), w.GetDiscreteDatum(0));
+        for (const auto& w : r.component.GetWarningMessages())
+            warnings.emplace_back(w.GetCode(), w.GetDiscreteDatum(0));
         std::vector<std::pair<int, int>> expected = {{410042, 0}, {410042, 1}, {410046, 1}, {410042, 2}};
         if (!equal) expected.emplace_back(410047, 2);
         expected.emplace_back(410042, 3);
