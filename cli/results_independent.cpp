@@ -145,7 +145,9 @@ void addPlots(const BSN2SampleIndOutputStats& r, const std::vector<std::string>&
         diff.ciLower = at(r.GetLowerLimits(), i);
         diff.ciUpper = at(r.GetUpperLimits(), i);
         diff.ciLevel = r.GetSettings().GetCILevel();
-        diff.nullValue = 0.0;
+        // The factors test a difference of 0; without them there is no null
+        // value to mark.
+        if (WantsFactors(r.GetSettings())) diff.nullValue = 0.0;
         const double bf = at(r.GetBayesFactors(), i), logBf = at(r.GetLogBayesFactors(), i);
         // A factor that underflowed to 0 or overflowed is shown by its
         // logarithm.

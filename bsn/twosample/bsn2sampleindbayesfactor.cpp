@@ -116,11 +116,6 @@ double BSN2SampleIndBayesFactor::FactorFromLog(double logFactor) {
     return MCMV::Sanitize(std::exp(logFactor));
 }
 
-double BSN2SampleIndBayesFactor::LogOfFactor(double factor) {
-    if (MCMV::IsMissing(factor) || !(factor > 0.0)) return MCMV::Missing();
-    return MCMV::Sanitize(std::log(factor));
-}
-
 void BSN2SampleIndBayesFactor::DisplayFields() const {
     using namespace MCDisplay_850;
     BSNComponentDisplay::DisplayC("Computation Type", m_settings.GetRegrCompType());

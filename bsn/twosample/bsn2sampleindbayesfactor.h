@@ -72,8 +72,6 @@ protected:
     // exp(logFactor) within the exponent range: missing above it (overflow),
     // 0 below it (an underflowing factor is 0 to double precision).
     static double FactorFromLog(double logFactor);
-    // ln(factor) of a positive finite factor, else missing.
-    static double LogOfFactor(double factor);
 
     const BSNSettings& m_settings;
     const MCXML_850::MCVarList& m_varList;

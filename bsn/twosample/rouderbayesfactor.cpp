@@ -23,28 +23,36 @@ RouderBayesFactor::RouderBayesFactor(const BSNSettings& settings, const MCXML_85
                                      MCCommon_850::MCWarnings& warnings)
     : BSN2SampleIndBayesFactor(settings, varList), m_quadWarnings(warnings) {}
 
-double RouderBayesFactor::Factor(const BSNSettings& settings, double n, double df, double t,
-                                 MCCommon_850::MCWarnings& warnings) {
+double RouderBayesFactor::LogFactor(const BSNSettings& settings, double n, double df, double t,
+                                    MCCommon_850::MCWarnings& warnings) {
+    // One computation on the log scale gives both the logarithm and the
+    // factor (its exp), so the logarithm stays right where the factor
+    // underflows.
     if (settings.GetMethodType() != BSNConst::AQL) {
         BayesFactorOneSampleTTMC mc(n, df, t, settings.GetMCSamples(), settings.GetRandomSeed());
         mc.SetSeed(settings.GetRandomSeed());
-        return mc.IsValid() ? MCMV::Sanitize(mc.Compute()) : MCMV::Missing();
+        return mc.IsValid() ? MCMV::Sanitize(mc.ComputeLog()) : MCMV::Missing();
     }
     BayesFactorOneSampleTT quad(n, df, t);
     quad.SetTolerance(settings.GetTolValue());
     quad.SetMaxIter(settings.GetMaxIterations());
     quad.SetLeftBound(kLeftBound);
     quad.SetRightBound(kRightBound);
-    const double bf = quad.IsValid() ? MCMV::Sanitize(quad.Compute()) : MCMV::Missing();
+    const double logBf = quad.IsValid() ? MCMV::Sanitize(quad.ComputeLog()) : MCMV::Missing();
     warnings.Append(quad.GetWarnings());
-    return bf;
+    return logBf;
+}
+
+double RouderBayesFactor::Factor(const BSNSettings& settings, double n, double df, double t,
+                                 MCCommon_850::MCWarnings& warnings) {
+    return FactorFromLog(LogFactor(settings, n, df, t, warnings));
 }
 
 MCCommon_850::MCStatus RouderBayesFactor::ComputeBF() {
     for (std::size_t i = 0; i < m_pooledTs.size(); ++i) {
         if (MCMV::IsMissing(m_pooledTs[i])) continue;
-        m_bayesFactors[i] = Factor(m_settings, m_effectiveSizes[i], m_dfs[i], m_pooledTs[i], m_quadWarnings);
-        m_logBayesFactors[i] = LogOfFactor(m_bayesFactors[i]);
+        m_logBayesFactors[i] = LogFactor(m_settings, m_effectiveSizes[i], m_dfs[i], m_pooledTs[i], m_quadWarnings);
+        m_bayesFactors[i] = FactorFromLog(m_logBayesFactors[i]);
     }
     return {};
 }

@@ -20,6 +20,9 @@ public:
     // cannot be computed); quadrature warnings go to `warnings`.
     static double Factor(const BSNSettings& settings, double n, double df, double t,
                          MCCommon_850::MCWarnings& warnings);
+    // Its natural logarithm, computed on the log scale.
+    static double LogFactor(const BSNSettings& settings, double n, double df, double t,
+                            MCCommon_850::MCWarnings& warnings);
 
     void Display(std::ostream& os) const override;
 

@@ -30,20 +30,6 @@ namespace {
 const std::vector<double> kG0 = {10.2, 11.9, 9.4, 10.8, 12.5, 9.9, 11.1};
 const std::vector<double> kG1 = {12.4, 11.0, 13.9, 12.2, 14.6, 11.7, 13.1, 12.9, 15.0};
 
-std::vector<std::vector<double>> groupColumns(const std::vector<double>& g0, const std::vector<double>& g1,
-                                              double offset = 0.0) {
-    std::vector<std::vector<double>> cols(2);
-    for (double v : g0) {
-        cols[0].push_back(v + offset);
-        cols[1].push_back(0.0);
-    }
-    for (double v : g1) {
-        cols[0].push_back(v + offset);
-        cols[1].push_back(1.0);
-    }
-    return cols;
-}
-
 BSNSettings posteriorSettings() {
     BSNSettings s = indepSettings({0}, 1, BC::Posterior);
     s.SetNPlotPoints(81);

@@ -25,6 +25,18 @@ inline BSNSettings indepSettings(std::vector<int> vars, int group, BC::AnalysTyp
     return s;
 }
 
+// One test variable in column 0 over two groups (column 1: 0, 1).
+inline std::vector<std::vector<double>> groupColumns(const std::vector<double>& g0, const std::vector<double>& g1,
+                                                     double offset = 0.0) {
+    std::vector<std::vector<double>> cols(2);
+    for (int g = 0; g < 2; ++g)
+        for (double v : g == 0 ? g0 : g1) {
+            cols[0].push_back(v + offset);
+            cols[1].push_back(g);
+        }
+    return cols;
+}
+
 inline const BSN2SampleIndOutputStats& output(const NormalRun& r) { return r.result<BSN2SampleIndOutputStats>(); }
 
 // A CSV table under tests/data: one map from column name to text per row.
