@@ -83,41 +83,6 @@ TEST(IndependentTests, PooledAndWelchAsRAndExactArithmetic) {
     }
 }
 
-TEST(IndependentTests, ConstantGroupsAndGroupsOfOne) {
-    // Variable 0: both groups constant -> 410045 with its position, no t.
-    // Variable 1: one group constant -> both tests as usual.
-    // Variable 2: a group of one case -> pooled test, no Welch test.
-    const std::vector<double> g = {0, 0, 0, 1, 1, 1, 1};
-    const std::vector<double> v0 = {2, 2, 2, 5, 5, 5, 5};
-    const std::vector<double> v1 = {2, 2, 2, 4, 6, 5, 9};
-    const std::vector<double> v2 = {3, kMiss, kMiss, 4, 6, 5, 9};
-    NormalRun r(indepSettings({0, 1, 2}, 3, BC::BayesFactor), {v0, v1, v2, g});
-    ASSERT_TRUE(r.status.IsOK());
-    const auto& o = output(r);
-    EXPECT_EQ(r.count(410045), 1);
-    for (const auto& w : r.component.GetWarningMessages()) {
-        if (w.GetCode() == 410045) {
-            EXPECT_EQ(w.GetDiscreteDatum(0), 0);
-        }
-    }
-    EXPECT_EQ(o.GetMeanDiffValues()[0], 3.0);
-    EXPECT_TRUE(MCMV::IsMissing(o.GetTValues()[0]));
-    EXPECT_TRUE(MCMV::IsMissing(o.GetBayesFactors()[0]));
-    EXPECT_TRUE(MCMV::IsMissing(o.GetWelchTValues()[0]));
-
-    const Moments m1 = moments({4, 6, 5, 9});
-    const double sp2 = 3.0 * m1.var / 5.0;
-    EXPECT_NEAR(o.GetTValues()[1], 4.0 / std::sqrt(sp2 * (1.0 / 3 + 1.0 / 4)), 1e-12);
-    EXPECT_NEAR(o.GetWelchTValues()[1], 4.0 / std::sqrt(m1.var / 4), 1e-12);
-    EXPECT_NEAR(o.GetWelchDFValues()[1], 3.0, 1e-12);  // all the spread is in the second group
-
-    EXPECT_NEAR(o.GetTValues()[2], 3.0 / std::sqrt(3.0 * m1.var / 3.0 * (1.0 + 1.0 / 4)), 1e-12);
-    EXPECT_EQ(o.GetDFValues()[2], 3.0);
-    EXPECT_TRUE(MCMV::IsMissing(o.GetWelchTValues()[2]));
-    EXPECT_TRUE(MCMV::IsMissing(o.GetGroup1StdDevs()[2]));
-    EXPECT_TRUE(MCMV::IsMissing(o.GetGroup1EMs()[2]));
-}
-
 TEST(IndependentTests, HugeWeightsAndExtremeTStayFinite) {
     // n0 = n1 = 5e8 through weights, with t near 0 and t of 50; every
     // factor kind.

@@ -1,6 +1,6 @@
 // The independent-samples analysis through the host: text group labels,
 // the JSON getters, the tables and their notes, the plot sets with their
-// annotations, the example files and the settings refusals.
+// annotations, and the example with its plots and report.
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -142,7 +142,7 @@ TEST(IndependentHost, PlotSetsCarryTheirAnnotations) {
     EXPECT_EQ(diff.posterior.y.size(), 100u);
 }
 
-TEST(IndependentHost, ExampleRunsAndSettingsRefusals) {
+TEST(IndependentHost, ExampleRunsWithPlotsAndReport) {
     bsntest::TempDir dir;
     const std::string root = BSN_SOURCE_DIR;
     const std::string js = root + "/examples/independent.json", csv = root + "/examples/independent.csv";
@@ -166,25 +166,4 @@ TEST(IndependentHost, ExampleRunsAndSettingsRefusals) {
     EXPECT_EQ(count("<figure"), 6);
     EXPECT_EQ(count("<caption>"), 4);
     EXPECT_EQ(count("null value = 0"), 2);
-
-    // Refused by the settings check: no group variable, and a normal mean
-    // prior without the two known variances.
-    const HostRun noGroup = runHost(dir, R"({"ModelType": 2, "Covariates": ["y"]})", "y,g\n1,0\n2,1\n",
-                                {"--json", dir.Path("result.json")});
-    EXPECT_EQ(noGroup.code, 2);
-    EXPECT_EQ(noGroup.doc["status"]["code"], 410040);
-    const HostRun noVariances =
-        runHost(dir,
-                R"({"ModelType": 2, "Covariates": ["y"], "GroupVar": "g", "MeanDistType": "Normal",
-                    "MeanDistParam1": 0, "MeanDistParam2": 1, "MeanDistParam3": 0, "MeanDistParam4": 1})",
-                "y,g\n1,0\n2,1\n", {"--json", dir.Path("result.json")});
-    EXPECT_EQ(noVariances.code, 2);
-    EXPECT_EQ(noVariances.doc["status"]["code"], 410002);
-    EXPECT_NE(noVariances.err.find("Missing variances in the Independent algorithm"), std::string::npos);
-
-    // Gonen without its parameters: no factor, and a note saying why.
-    const HostRun gonen = runHost(dir, R"({"ModelType": 2, "Covariates": ["y"], "GroupVar": "g", "AnalysType": 1,
-        "RegrCompType": "Gonen"})", "y,g\n1,0\n2,0\n2.5,1\n4,1\n");
-    EXPECT_EQ(gonen.code, 0);
-    EXPECT_NE(gonen.out.find("needs RegrComPar"), std::string::npos) << gonen.out;
 }

@@ -39,29 +39,23 @@ inline std::vector<std::vector<double>> groupColumns(const std::vector<double>& 
 
 inline const BSN2SampleIndOutputStats& output(const NormalRun& r) { return r.result<BSN2SampleIndOutputStats>(); }
 
-// A CSV table under tests/data: one map from column name to text per row.
+// A CSV table under tests/data: one map from column name to text per row
+// (a trailing empty field counts).
 inline std::vector<std::map<std::string, std::string>> readTable(const std::string& name) {
     std::ifstream in(std::string(BSN_SOURCE_DIR) + "/tests/data/" + name);
-    std::vector<std::map<std::string, std::string>> rows;
-    std::string line;
-    std::vector<std::string> header;
-    auto split = [](const std::string& text) {
+    auto split = [](std::string text) {
+        if (!text.empty() && text.back() == '\r') text.pop_back();
         std::vector<std::string> cells;
-        std::stringstream ss(text);
-        std::string cell;
-        while (std::getline(ss, cell, ',')) cells.push_back(cell);
-        if (!text.empty() && text.back() == ',') cells.push_back("");
+        std::stringstream ss(text + ",");
+        for (std::string cell; std::getline(ss, cell, ',');) cells.push_back(cell);
         return cells;
     };
-    auto chomp = [](std::string& text) {
-        if (!text.empty() && text.back() == '\r') text.pop_back();
-    };
+    std::vector<std::map<std::string, std::string>> rows;
+    std::string line;
     if (!std::getline(in, line)) return rows;
-    chomp(line);
-    header = split(line);
+    const std::vector<std::string> header = split(line);
     while (std::getline(in, line)) {
-        chomp(line);
-        if (line.empty()) continue;
+        if (line.empty() || line == "\r") continue;
         const std::vector<std::string> cells = split(line);
         std::map<std::string, std::string> row;
         for (std::size_t i = 0; i < header.size(); ++i) row[header[i]] = i < cells.size() ? cells[i] : "";
