@@ -31,7 +31,7 @@ const char* const kExample = R"(EXAMPLE
   bsn run examples/normal.json examples/normal.csv --report normal.html
 
   More examples: examples/poisson.*, examples/normal.*, examples/related.*,
-  examples/regression.*, examples/anova.*
+  examples/regression.*, examples/anova.*, examples/independent.*
 )";
 
 const char* const kRegressionRules = R"(REGRESSION AND ANOVA (model types 4 and 5)
@@ -85,6 +85,20 @@ const char* const kSettingsRules = R"(SETTINGS FILE
   - Test variables: a one-sample binomial test reads Factors (values 0/1, or
     k for k successes in one trial), Poisson and normal tests read
     Covariates, related samples pair Covariates[i] with 2ndRelatedList[i].
+  - Independent samples (ModelType 2) compare the Covariates between two
+    groups of GroupVar: its first category in sorted order (code 0) is the
+    first group, the second (code 1) the second group; cases in any other
+    category or with no group are left out. Differences are second group
+    minus first. The Bayes factor follows RegrCompType: Rouder (default, the
+    JZS factor), Hyper (parameter RegrComPar, 3 when not given) or Gonen
+    (RegrComPar = prior mean and SecondGonenPar = prior variance of the
+    standardised effect; both needed). The posterior of the difference:
+    MeanDistType Normal needs DataVarVals (the two groups' known variances)
+    and MeanDistParam1..4 (prior mean and variance of each group mean);
+    otherwise flat priors on the means with DataVarVals (known variances),
+    or EqualDataVar true (one variance; PriorDistType InverseChiSquare with
+    PriorDistParam1 = df and PriorDistParam2 = scale, else 1/sigma^2), or
+    unequal variances (the exact Behrens-Fisher posterior).
   - A log-linear analysis (ModelType LogLinear) reads Factors = [row
     factor, column factor]. A record with a missing factor value or weight
     is left out; one whose weight is negative is left out with a warning.

@@ -256,6 +256,7 @@ std::string datumVariable(const BSNSettings& s, const DataInfo& data, int datum)
     };
     if (isBinomialTest(s)) return at(s.GetFactors());
     if (s.GetModelType() == C::OneSample) return at(s.GetCovariates());
+    if (s.GetModelType() == C::Independent) return at(s.GetCovariates());
     if (s.GetModelType() == C::Related) {
         const std::string first = at(s.GetCovariates()), second = at(s.Get2ndRelatedList());
         return first.empty() ? first : first + " - " + second;

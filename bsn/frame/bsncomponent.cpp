@@ -6,6 +6,7 @@
 #include "bsn/onesample/bsn1samplebinomial.h"
 #include "bsn/onesample/bsn1samplenormal.h"
 #include "bsn/onesample/bsn1samplepoisson.h"
+#include "bsn/twosample/bsn2sampleindependent.h"
 #include "bsn/regression/bsnanova.h"
 #include "bsn/regression/bsnmultipleregr.h"
 #include "bsn/twosample/bsn2samplerelated.h"
@@ -29,6 +30,8 @@ std::unique_ptr<BSNAlgorithm> createProcedure(const BSNSettings& settings, const
         }
     case BSNConst::Related:
         return std::make_unique<BSN2SampleRelated>(settings, varList);
+    case BSNConst::Independent:
+        return std::make_unique<BSN2SampleIndependent>(settings, varList);
     case BSNConst::Regression:
         return std::make_unique<BSNMultipleRegr>(settings, varList);
     case BSNConst::Anova:

@@ -7,6 +7,10 @@ bool PlatformMessage(int code, std::string& text) {
     case 420001:
         text = "Warning: numerical integration did not converge within the iteration limit";
         return true;
+    case 420020:
+        text = "Warning: the credible limits of a mean difference may be inaccurate: the numerical integration of "
+               "their distribution did not reach its tolerance";
+        return true;
     case 420040:
         text = "Warning: records with a factor code outside the declared categories or a negative weight "
                "were left out of the table";

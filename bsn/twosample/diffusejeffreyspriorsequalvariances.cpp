@@ -1,0 +1,47 @@
+#include "bsn/twosample/diffusejeffreyspriorsequalvariances.h"
+
+#include <cmath>
+#include <ostream>
+#include <vector>
+
+#include "platform/common/mcmv.h"
+#include "platform/display/mcdisplay.h"
+
+namespace MCBSN_850 {
+
+using MCCommon_850::MCMV;
+
+DiffuseJeffreysPriorsEqualVariances::DiffuseJeffreysPriorsEqualVariances(const BSNSettings& settings,
+                                                                         const MCXML_850::MCVarList& varList,
+                                                                         const MCMath_850::MCCancelInfo& cancel)
+    : BSN2SampleIndPosterior(settings, varList, cancel) {}
+
+void DiffuseJeffreysPriorsEqualVariances::computeVariable(std::size_t i, const Group& g0, const Group& g1, double diff,
+                                                          MCCommon_850::MCWarnings& warnings) {
+    if (!(g0.n > 5.0) || !(g1.n > 5.0)) warnAt(warnings, 410042, i);
+    if (!(g0.n > 0.0) || !(g1.n > 0.0) || !(g0.n + g1.n > 2.0) || MCMV::IsMissing(g0.mean) ||
+        MCMV::IsMissing(g1.mean))
+        return;
+    const double ss = g0.ss + g1.ss;
+    if (!(ss > 0.0)) {
+        warnAt(warnings, 410046, i);
+        return;
+    }
+    const double df = g0.n + g1.n - 2.0;
+    for (int k = 0; k < 2; ++k) {
+        const Group& g = k == 0 ? g0 : g1;
+        profileLikelihood(i, k, g.n, g.mean, ss, g0.n + g1.n, df);
+        flatPrior(i, k);
+    }
+    tPosterior(i, diff, ss / df * (1.0 / g0.n + 1.0 / g1.n), df);
+}
+
+void DiffuseJeffreysPriorsEqualVariances::Display(std::ostream& os) const {
+    using namespace MCDisplay_850;
+    StreamGuard guard(os);
+    DisplayText(0, "DiffuseJeffreysPriorsEqualVariances display start");
+    DisplayFields();
+    DisplayText(0, "End of display DiffuseJeffreysPriorsEqualVariances object");
+}
+
+} // namespace MCBSN_850

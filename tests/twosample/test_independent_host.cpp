@@ -1,0 +1,169 @@
+// The independent-samples analysis through the host: text group labels,
+// the JSON getters, the tables and their notes, the plot sets with their
+// annotations, and the example with its plots and report.
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cmath>
+#include <filesystem>
+#include <sstream>
+#include <string>
+#include <vector>
+
+#include <nlohmann/json.hpp>
+
+#include "cli/host.h"
+#include "cli/results.h"
+#include "tests/cli/tempfiles.h"
+#include "tests/twosample/test_independent_support.h"
+
+using json = nlohmann::ordered_json;
+using namespace indeptest;
+
+namespace {
+
+struct HostRun {
+    int code = -1;
+    std::string out, err;
+    json doc;
+};
+
+HostRun runHost(const bsntest::TempDir& dir, const std::string& settings, const std::string& data,
+            std::vector<std::string> extra = {}) {
+    std::vector<std::string> args{"run", dir.Write("s.json", settings), dir.Write("d.csv", data)};
+    args.insert(args.end(), extra.begin(), extra.end());
+    std::vector<const char*> argv{"bsn"};
+    for (const auto& a : args) argv.push_back(a.c_str());
+    std::ostringstream out, err;
+    HostRun r;
+    r.code = bsncli::Main(static_cast<int>(argv.size()), argv.data(), out, err);
+    r.out = out.str();
+    r.err = err.str();
+    const std::string js = dir.Path("result.json");
+    if (std::find(extra.begin(), extra.end(), js) != extra.end() && std::filesystem::exists(js))
+        r.doc = json::parse(bsntest::TempDir::Read(js));
+    return r;
+}
+
+// Group "b" and "a" (coded a = 0, b = 1), a third category "c" and a
+// missing group.
+const char* const kData =
+    "grp,y,z\n"
+    "b,5.1,1\n" "a,4.0,2\n" "b,6.3,3\n" "a,3.1,4\n" "b,5.9,5\n" "a,4.4,6\n" "c,9.9,7\n" ",8.0,8\n"
+    "b,7.0,9\n" "a,3.6,10\n" "b,5.5,11\n" "a,4.8,12\n";
+
+} // namespace
+
+TEST(IndependentHost, TextGroupsJsonAndTables) {
+    bsntest::TempDir dir;
+    const std::string settings = R"({"ModelType": "Independent", "Covariates": ["y", "z"], "GroupVar": "grp",
+        "AnalysType": "Both", "EqualDataVar": true})";
+    const HostRun r = runHost(dir, settings, kData, {"--json", dir.Path("result.json")});
+    ASSERT_EQ(r.code, 0) << r.err;
+    const json& res = r.doc["results"];
+    EXPECT_EQ(res["GetOutputType"], 4);
+    EXPECT_EQ(res["GetModelType"], 2);
+    const std::vector<std::string> keys = {
+        "GetModelType", "GetOutputType", "GetSettings", "GetGroupStatsVarIndices", "GetGroup1StatsNs",
+        "GetGroup1MeanValues", "GetGroup1StdDevs", "GetGroup1EMs", "GetGroup2StatsNs", "GetGroup2MeanValues",
+        "GetGroup2StdDevs", "GetGroup2EMs", "GetTTestVarIndices", "GetMeanDiffValues", "GetPStdEDDevs",
+        "GetBayesFactors", "GetLogBayesFactors", "GetTValues", "GetDFValues", "GetSigs", "GetWelchTValues",
+        "GetWelchDFValues", "GetWelchSigs", "GetWelchStdEDDevs", "GetPostVarIndices", "GetModeValues",
+        "GetPostMeanValues", "GetVarianceValues", "GetLowerLimits", "GetUpperLimits", "GetPlotXArguments",
+        "GetPlotYArguments", "GetPlotXLikelihoods", "GetPlotYLikelihoods", "GetPlotXPriorArguments",
+        "GetPlotYPriorArguments", "GetPlotXPrior", "GetPlotYPrior", "GetPlotArguments", "GetPlotPosterior"};
+    std::vector<std::string> got;
+    for (auto it = res.begin(); it != res.end(); ++it) got.push_back(it.key());
+    EXPECT_EQ(got, keys);
+
+    // "a" is group 1 (code 0), "b" group 2; c and the blank are in neither.
+    const std::vector<double> a = {4.0, 3.1, 4.4, 3.6, 4.8}, b = {5.1, 6.3, 5.9, 7.0, 5.5};
+    EXPECT_EQ(res["GetGroup1StatsNs"], json({5, 5}));
+    EXPECT_NEAR(res["GetGroup1MeanValues"][0].get<double>(), moments(a).mean, 1e-12);
+    EXPECT_NEAR(res["GetGroup2MeanValues"][0].get<double>(), moments(b).mean, 1e-12);
+    EXPECT_NEAR(std::log(res["GetBayesFactors"][0].get<double>()), res["GetLogBayesFactors"][0].get<double>(), 1e-12);
+    EXPECT_EQ(res["GetSettings"]["GroupVar"], "grp");
+
+    const HostRun text = runHost(dir, settings, kData);
+    for (const char* expected : {"Group statistics (frequency-weighted) by grp", "N a", "Mean b",
+                                 "Independent-samples t tests (b - a)", "Welch t", "log BF",
+                                 "Posterior of the difference of means (b - a)",
+                                 "The groups are the first two categories of grp (a, b); cases in c are left out.",
+                                 "one variance, prior 1/sigma^2"})
+        EXPECT_NE(text.out.find(expected), std::string::npos) << expected << "\n" << text.out;
+}
+
+TEST(IndependentHost, WarningsNameTheirVariable) {
+    bsntest::TempDir dir;
+    // z is constant in both groups: 410045 points at z.
+    const HostRun r = runHost(dir, R"({"ModelType": 2, "Covariates": ["y", "z"], "GroupVar": "g", "AnalysType": 1})",
+                          "g,y,z\n0,1,5\n0,2,5\n1,3,7\n1,5,7\n");
+    ASSERT_EQ(r.code, 0) << r.err;
+    EXPECT_NE(r.out.find("410045"), std::string::npos) << r.out;
+    EXPECT_NE(r.out.find("[variable z]"), std::string::npos) << r.out;
+}
+
+TEST(IndependentHost, PlotSetsCarryTheirAnnotations) {
+    // A huge sample through weights and t = 50: the factor underflows, so
+    // the picture carries its logarithm.
+    const double n = 5e8, sp = std::sqrt(0.25 * n / (n - 1)), d = 50.0 * sp * std::sqrt(2.0 / n);
+    BSNSettings s = indepSettings({0}, 1);
+    s.SetFrequencyWeightVar(2);
+    s.SetRegrCompType(BC::Hyper);
+    s.SetCILevel(90);
+    NormalRun run(s, {{-0.5, 0.5, d - 0.5, d + 0.5}, {0, 0, 1, 1}, {n / 2, n / 2, n / 2, n / 2}});
+    ASSERT_TRUE(run.status.IsOK());
+    bsncli::DataInfo data;
+    data.columns = {"score", "arm", "w"};
+    for (const auto& c : data.columns) data.varList.Add(MCXML_850::MCContVar(c));
+    data.varList.Get(1).SetValueLabels({"ctl", "trt"});
+    bsncli::ResultView view;
+    ASSERT_TRUE(bsncli::DescribeResult(*run.component.GetOutputStats(), data, view));
+    ASSERT_EQ(view.plots.size(), 3u);
+    EXPECT_EQ(view.plots[0].parameter, "mean of group ctl");
+    EXPECT_EQ(view.plots[1].parameter, "mean of group trt");
+    const auto& lik = view.plots[0].logLikelihood;
+    ASSERT_EQ(lik.y.size(), 100u);
+    EXPECT_NEAR(*std::max_element(lik.y.begin(), lik.y.end()), 0.0, 1e-3);  // the log of a peak of 1
+    EXPECT_EQ(view.plots[0].prior.y, (std::vector<double>{1.0, 1.0}));
+    const auto& diff = view.plots[2];
+    EXPECT_EQ(diff.parameter, "difference of means");
+    EXPECT_EQ(diff.variable, "score (trt - ctl)");
+    EXPECT_EQ(diff.nullValue, 0.0);
+    EXPECT_EQ(diff.ciLevel, 90.0);
+    const auto& out = output(run);
+    EXPECT_EQ(diff.ciLower, out.GetLowerLimits()[0]);
+    EXPECT_EQ(diff.ciUpper, out.GetUpperLimits()[0]);
+    EXPECT_EQ(out.GetBayesFactors()[0], 0.0);
+    EXPECT_TRUE(diff.bayesFactorIsLog);
+    EXPECT_EQ(diff.bayesFactor, out.GetLogBayesFactors()[0]);
+    EXPECT_LT(diff.bayesFactor, -1000.0);
+    EXPECT_EQ(diff.direction, bsncli::FactorDirection::NullOverAlternative);
+    EXPECT_EQ(diff.posterior.y.size(), 100u);
+}
+
+TEST(IndependentHost, ExampleRunsWithPlotsAndReport) {
+    bsntest::TempDir dir;
+    const std::string root = BSN_SOURCE_DIR;
+    const std::string js = root + "/examples/independent.json", csv = root + "/examples/independent.csv";
+    const std::string out = dir.Path("r.json"), plots = dir.Path("plots"), report = dir.Path("r.html");
+    std::vector<const char*> argv = {"bsn",   "run",         js.c_str(), csv.c_str(), "--json",
+                                     out.c_str(), "--plots", plots.c_str(), "--report", report.c_str()};
+    std::ostringstream o, e;
+    ASSERT_EQ(bsncli::Main(static_cast<int>(argv.size()), argv.data(), o, e), 0) << e.str();
+    const json doc = json::parse(bsntest::TempDir::Read(out));
+    EXPECT_EQ(doc["status"]["code"], 0);
+    EXPECT_TRUE(doc["warnings"].empty());
+    // Two variables: each group mean and the difference; the report holds
+    // the same six pictures and the four tables.
+    EXPECT_EQ(std::distance(std::filesystem::directory_iterator(plots), {}), 6);
+    const std::string html = bsntest::TempDir::Read(report);
+    auto count = [&](const std::string& what) {
+        int n = 0;
+        for (auto at = html.find(what); at != std::string::npos; at = html.find(what, at + 1)) ++n;
+        return n;
+    };
+    EXPECT_EQ(count("<figure"), 6);
+    EXPECT_EQ(count("<caption>"), 4);
+    EXPECT_EQ(count("null value = 0"), 2);
+}

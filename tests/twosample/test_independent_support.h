@@ -1,0 +1,74 @@
+#pragma once
+// Shared pieces of the independent-samples tests: settings, reading the
+// reference tables under tests/data, and the result of a run.
+#include <fstream>
+#include <map>
+#include <sstream>
+#include <string>
+#include <vector>
+
+#include "bsn/twosample/bsn2sampleindoutputstats.h"
+#include "tests/onesample/normaltestsupport.h"
+
+namespace indeptest {
+
+using namespace normaltest;
+using MCBSN_850::BSN2SampleIndOutputStats;
+
+// Model type 2 over test variables `vars`, groups in column `group`.
+inline BSNSettings indepSettings(std::vector<int> vars, int group, BC::AnalysTypes type = BC::Both) {
+    BSNSettings s;
+    s.SetModelType(BC::Independent, true);
+    s.SetAnalysType(type);
+    s.SetCovariates(vars);
+    s.SetGroupVar(group);
+    return s;
+}
+
+// One test variable in column 0 over two groups (column 1: 0, 1).
+inline std::vector<std::vector<double>> groupColumns(const std::vector<double>& g0, const std::vector<double>& g1,
+                                                     double offset = 0.0) {
+    std::vector<std::vector<double>> cols(2);
+    for (int g = 0; g < 2; ++g)
+        for (double v : g == 0 ? g0 : g1) {
+            cols[0].push_back(v + offset);
+            cols[1].push_back(g);
+        }
+    return cols;
+}
+
+inline const BSN2SampleIndOutputStats& output(const NormalRun& r) { return r.result<BSN2SampleIndOutputStats>(); }
+
+// A CSV table under tests/data: one map from column name to text per row
+// (a trailing empty field counts).
+inline std::vector<std::map<std::string, std::string>> readTable(const std::string& name) {
+    std::ifstream in(std::string(BSN_SOURCE_DIR) + "/tests/data/" + name);
+    auto split = [](std::string text) {
+        if (!text.empty() && text.back() == '\r') text.pop_back();
+        std::vector<std::string> cells;
+        std::stringstream ss(text + ",");
+        for (std::string cell; std::getline(ss, cell, ',');) cells.push_back(cell);
+        return cells;
+    };
+    std::vector<std::map<std::string, std::string>> rows;
+    std::string line;
+    if (!std::getline(in, line)) return rows;
+    const std::vector<std::string> header = split(line);
+    while (std::getline(in, line)) {
+        if (line.empty() || line == "\r") continue;
+        const std::vector<std::string> cells = split(line);
+        std::map<std::string, std::string> row;
+        for (std::size_t i = 0; i < header.size(); ++i) row[header[i]] = i < cells.size() ? cells[i] : "";
+        rows.push_back(row);
+    }
+    return rows;
+}
+
+inline double number(const std::map<std::string, std::string>& row, const std::string& key) {
+    const std::string& text = row.at(key);
+    return text.empty() || text == "NA" ? kMiss : std::stod(text);
+}
+
+inline double rel(double a, double b) { return std::fabs(a / b - 1.0); }
+
+} // namespace indeptest
