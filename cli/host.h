@@ -21,6 +21,7 @@ struct RunOptions {
     std::string plotsDir;   // empty: no plots
     bool quiet = false;     // no tables
     bool progress = false;  // progress line on the error stream
+    int threads = 0;        // worker threads (correlation); 0: every core
     // The cancel query handed to the analysis; null makes the host use its
     // own, set by Ctrl-C.
     MCCommon_850::MCQueryCancel* cancel = nullptr;

@@ -13,6 +13,8 @@ bool DescribeResult(const MCBSN_850::BSNOutputStats& result, const DataInfo& dat
         return DescribeNormal(result, data, view);
     case MCBSN_850::BSNConst::Output2SampleRelated:
         return DescribeRelated(result, data, view);
+    case MCBSN_850::BSNConst::OutputCorrelation:
+        return DescribeCorrelation(result, data, view);
     default:
         return false;
     }

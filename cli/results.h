@@ -9,6 +9,7 @@ bool DescribeBinomial(const MCBSN_850::BSNOutputStats& result, const DataInfo& d
 bool DescribePoisson(const MCBSN_850::BSNOutputStats& result, const DataInfo& data, ResultView& view);
 bool DescribeNormal(const MCBSN_850::BSNOutputStats& result, const DataInfo& data, ResultView& view);
 bool DescribeRelated(const MCBSN_850::BSNOutputStats& result, const DataInfo& data, ResultView& view);
+bool DescribeCorrelation(const MCBSN_850::BSNOutputStats& result, const DataInfo& data, ResultView& view);
 
 // The getters the binomial and Poisson results share: the head of both
 // lists, and the posterior summaries in their middle.

@@ -2,6 +2,7 @@
 
 #include <ostream>
 
+#include "bsn/correlation/bsnpearsoncorrelation.h"
 #include "bsn/onesample/bsn1samplebinomial.h"
 #include "bsn/onesample/bsn1samplenormal.h"
 #include "bsn/onesample/bsn1samplepoisson.h"
@@ -26,6 +27,8 @@ std::unique_ptr<BSNAlgorithm> createProcedure(const BSNSettings& settings, const
         }
     case BSNConst::Related:
         return std::make_unique<BSN2SampleRelated>(settings, varList);
+    case BSNConst::Correlation:
+        return std::make_unique<BSNPearsonCorrelation>(settings, varList);
     default:
         return nullptr;
     }

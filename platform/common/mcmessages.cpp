@@ -7,6 +7,14 @@ bool PlatformMessage(int code, std::string& text) {
     case 420001:
         text = "Warning: numerical integration did not converge within the iteration limit";
         return true;
+    case 420010:
+        text = "Warning: the JZS Bayes factor integral, cut at g = 1e6, leaves out more than 1e-6 of the "
+               "integrand's mass for some pairs; their factors differ from the factor over the whole range";
+        return true;
+    case 420011:
+        text = "Warning: the JZS Bayes factor integral, cut at g = 1e6, leaves out more than 1% of the "
+               "integrand's mass for some pairs; their factors are far from the factor over the whole range";
+        return true;
     default:
         return false;
     }

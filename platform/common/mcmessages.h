@@ -2,6 +2,8 @@
 // Messages of the platform's own status codes (the library's codes
 // 410001-410060 have their own table). Codes in use:
 //   420001  numerical integration stopped at its iteration limit (warning)
+//   420010  correlation JZS integral cut at g = 1e6 leaves out > 1e-6 of its mass (warning)
+//   420011  the same, more than 1% (warning)
 #include <string>
 
 namespace MCCommon_850 {

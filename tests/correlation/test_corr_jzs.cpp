@@ -1,0 +1,137 @@
+// The JZS Bayes factor of a correlation: the integrand in t = 1/g against
+// the formula in g, the factor against high-precision integrals of that
+// formula over g in [eps, 1e6] (tests/data/correlation_jzs.csv, mpmath),
+// and the warnings for the mass the range leaves out.
+#include <cmath>
+#include <vector>
+
+#include "bsn/correlation/jzsfunction.h"
+#include "tests/correlation/corrtestsupport.h"
+
+using namespace corrtest;
+using MCBSN_850::BSNCorrTask;
+using MCBSN_850::JZSFunction;
+
+namespace {
+
+struct JzsCase {
+    double n, r, logBF, share;
+};
+
+std::vector<JzsCase> jzsCases() {
+    std::vector<JzsCase> cases;
+    const auto rows = readCsv("correlation_jzs.csv");
+    for (std::size_t i = 1; i < rows.size(); ++i)
+        cases.push_back({std::stod(rows[i][0]), std::stod(rows[i][1]), std::stod(rows[i][2]), std::stod(rows[i][3])});
+    return cases;
+}
+
+} // namespace
+
+TEST(CorrelationJZS, IntegrandInTIsTheIntegrandInGWithItsJacobian) {
+    JZSFunction f;
+    for (double n : {3.0, 40.0, 1e6}) {
+        for (double r : {0.0, -0.6, 0.999}) {
+            f.SetParam(n, r);
+            EXPECT_DOUBLE_EQ(f.GetHalfNMinus2(), (n - 2) / 2);
+            EXPECT_DOUBLE_EQ(f.GetHalfNMinus1(), (n - 1) / 2);
+            EXPECT_NEAR(f.GetOneMinusR2(), 1 - r * r, 1e-15);
+            f.SetScalePoint(1e-6);
+            for (double t : {1e-6, 3e-5, 0.01, 0.5, 7.0}) {
+                // The formula in g, straight from its definition.
+                const double g = 1.0 / t;
+                const double logF = (n - 2) / 2 * std::log(1 + g) - (n - 1) / 2 * std::log(1 + (1 - r * r) * g) -
+                                    1.5 * std::log(g) - n / (2 * g);
+                // The terms cancel; the tolerance follows the largest.
+                const double scale = n / 2 * (std::log(1 + g) + std::fabs(std::log(1 + (1 - r * r) * g))) +
+                                     1.5 * std::fabs(std::log(g)) + n / (2 * g) + 1.0;
+                EXPECT_NEAR(f.LogIntegrandG(g), logF, 1e-12 * scale);
+                EXPECT_NEAR(f.LogIntegrandT(t), logF - 2 * std::log(t), 1e-12 * scale);
+                EXPECT_NEAR(f.LogRatio(t), f.LogIntegrandT(t) - f.LogIntegrandT(1e-6), 1e-9 * scale);
+                EXPECT_LT(f.Slope(t), -1.0);
+            }
+            const double end = f.UpperEnd(745.0, 1e300);
+            EXPECT_LT(f.LogRatio(end), -745.0);
+            EXPECT_GT(f.LogRatio(1e-6 + (end - 1e-6) / 2), -745.0);
+        }
+    }
+}
+
+TEST(CorrelationJZS, FactorsMatchHighPrecisionIntegrals) {
+    const auto cases = jzsCases();
+    ASSERT_EQ(cases.size(), 20u);
+    std::vector<double> rs, ns;
+    for (const auto& c : cases) {
+        rs.push_back(c.r);
+        ns.push_back(c.n);
+    }
+    TaskRig rig(rs, ns);
+    BSNSettings s = corrSettings({0, 1}, BC::BayesFactor);
+    s.SetTolValue(1e-10);
+    auto task = rig.task(s, 0, static_cast<int>(cases.size()), 1);
+    EXPECT_TRUE(task->RunTask());
+    EXPECT_TRUE(task->GetStatus().IsOK());
+    EXPECT_TRUE(task->GetIndIntegralFailed().empty());
+    for (std::size_t i = 0; i < cases.size(); ++i) {
+        SCOPED_TRACE(testing::Message() << "n " << cases[i].n << " r " << cases[i].r);
+        // log BF within 1e-6: the factor within 1e-6 relative.
+        EXPECT_NEAR(rig.logBF[i], cases[i].logBF, 1e-6);
+        EXPECT_EQ(rig.isLog[i], 0);
+        if (cases[i].logBF > -700) {
+            EXPECT_NEAR(rig.bf[i] / std::exp(cases[i].logBF), 1.0, 1e-6);
+        }
+        EXPECT_TRUE(std::isfinite(rig.bf[i]));
+    }
+    // The first pair leaving out more than 1e-6 is the first one of all;
+    // more than 1% first at n = 1e5.
+    EXPECT_EQ(task->GetTruncationNotice().pair, 0);
+    EXPECT_NEAR(task->GetTruncationNotice().share / cases[0].share, 1.0, 1e-6);
+    EXPECT_EQ(task->GetTruncationSevere().pair, 12);
+    EXPECT_NEAR(task->GetTruncationSevere().share / cases[12].share, 1.0, 1e-6);
+
+    // The default tolerance of the analysis is looser but still close.
+    TaskRig loose(rs, ns);
+    auto defaults = loose.task(corrSettings({0, 1}, BC::BayesFactor), 0, static_cast<int>(cases.size()), 1);
+    defaults->RunTask();
+    for (std::size_t i = 0; i < cases.size(); ++i)
+        EXPECT_NEAR(loose.logBF[i], cases[i].logBF, 1e-3) << i;
+}
+
+TEST(CorrelationJZS, NoTruncationNoticeWhenNothingIsCutOff) {
+    // Only pairs from n = 1e4 on leave out more than 1% of the mass.
+    TaskRig rig({0.3, -0.2, 0.1}, {10, 200, 20000});
+    auto task = rig.task(corrSettings({0, 1}, BC::BayesFactor), 0, 3, 1);
+    task->RunTask();
+    EXPECT_EQ(task->GetTruncationSevere().pair, 2);
+    TaskRig small({0.3, -0.2}, {10, 200});
+    auto none = small.task(corrSettings({0, 1}, BC::BayesFactor), 0, 2, 1);
+    none->RunTask();
+    EXPECT_EQ(none->GetTruncationSevere().pair, -1);
+    EXPECT_EQ(none->GetTruncationNotice().pair, 0);
+}
+
+TEST(CorrelationJZS, TruncationWarningsThroughTheProcedure) {
+    // Five records weighted 2e7 each carry v0 and v1 (n = 1e8 for that
+    // pair); five of weight 1 carry v0 and v2 (n = 5); v1 and v2 never meet.
+    const std::vector<double> v0 = {1, 2, 3, 4, 5, 1, 2, 3, 4, 5};
+    const std::vector<double> v1 = {2, 1, 4, 3, 6, kMiss, kMiss, kMiss, kMiss, kMiss};
+    const std::vector<double> v2 = {kMiss, kMiss, kMiss, kMiss, kMiss, 2, 4, 1, 3, 5};
+    const std::vector<double> w = {2e7, 2e7, 2e7, 2e7, 2e7, 1, 1, 1, 1, 1};
+    BSNSettings s = corrSettings({0, 2, 1});
+    s.SetFrequencyWeightVar(3);
+    CorrRun run(s, {v0, v1, v2, w});
+    ASSERT_TRUE(run.status.IsOK());
+    const auto& o = run.out();
+    EXPECT_EQ(o.GetVarPairN(), (std::vector<double>{5, 1e8, 0}));
+    const auto notice = run.warning(BSNPearsonCorrelation::kTruncatedIntegralCode);
+    EXPECT_EQ(notice.GetDiscreteDatum(0), 0);
+    const auto severe = run.warning(BSNPearsonCorrelation::kSeverelyTruncatedIntegralCode);
+    EXPECT_EQ(severe.GetDiscreteDatum(0), 1);
+    EXPECT_EQ(severe.GetDiscreteDatum(1), 0);
+    EXPECT_EQ(severe.GetDiscreteDatum(2), 1);
+    EXPECT_GT(severe.GetScaleDatum(0), 1.0);
+    expectAllFinite(o);
+    for (std::size_t p = 0; p < 2; ++p) EXPECT_FALSE(MCMV::IsMissing(o.GetLogBayesFactors()[p])) << p;
+    EXPECT_TRUE(MCMV::IsMissing(o.GetLogBayesFactors()[2]));
+    EXPECT_EQ(run.warning(410006).GetDiscreteDatum(0), 2);
+}
