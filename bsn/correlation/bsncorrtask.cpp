@@ -115,6 +115,11 @@ double BSNCorrTask::Calculate1DIntegral(double a, double b, int pairIndex) {
     return value;
 }
 
+double BSNCorrTask::SetNullIntegrand(double m, double r, double rho0) {
+    m_g1v.SetParam(m, r, rho0);
+    return m_g1v.GetLogF1();
+}
+
 double BSNCorrTask::Calculate1DIntegralG1V(int pairIndex) {
     // The integrand peaks at V = 1 with a width of order 1/sqrt(m); making
     // 1 a bound keeps the peak in sight of the quadrature however narrow.
@@ -193,12 +198,10 @@ void BSNCorrTask::ComputeBayesFactorFraction() {
         double value = MCMV::Missing(), logBF = MCMV::Missing();
         bool isLog = false;
         if (validPair(i, r, n)) {
-            m_g1v.SetParam(n, r, rho0);
+            const double logF1 = SetNullIntegrand(n, r, rho0);
             const double f1 = Calculate1DIntegralG1V(i);
-            const double logF1 = m_g1v.GetLogF1();
-            m_g1v.SetParam(n * b, r, rho0);
+            const double logFb = SetNullIntegrand(n * b, r, rho0);
             const double fb = Calculate1DIntegralG1V(i);
-            const double logFb = m_g1v.GetLogF1();
             if (!MCMV::IsMissing(f1) && !MCMV::IsMissing(fb) && f1 > 0.0 && fb > 0.0) {
                 mc.SetParams(b, n, r, S);
                 logBF = mc.ComputeBayesFactorFromLogs(std::log(f1) + logF1, std::log(fb) + logFb);

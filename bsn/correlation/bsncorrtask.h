@@ -106,6 +106,9 @@ public:
     // did not converge adds its warning (once per task) and the pair to
     // GetIndIntegralFailed.
     double Calculate1DIntegral(double a, double b, int pairIndex);
+    // Sets the null model's integrand (likelihood power m) that
+    // Calculate1DIntegralG1V integrates; returns its log factor log F1.
+    double SetNullIntegrand(double m, double r, double rho0);
     // The null model's integral over V in [eps, 1e6] (split at 0.5, 1, 2).
     double Calculate1DIntegralG1V(int pairIndex);
     void CalculatePosterior(double r, double n, int pairIndex);
