@@ -277,7 +277,7 @@ std::string datumVariable(const BSNSettings& s, const DataInfo& data, int datum)
         long long rest = datum;
         for (std::size_t i = 0; i + 1 < v.size(); ++i) {
             const long long row = static_cast<long long>(v.size() - 1 - i);
-            if (rest < row) return data.Name(v[i]) + " & " + data.Name(v[i + 1 + static_cast<std::size_t>(rest)]);
+            if (rest < row) return data.Name(v[i]) + " with " + data.Name(v[i + 1 + static_cast<std::size_t>(rest)]);
             rest -= row;
         }
     }

@@ -89,7 +89,7 @@ bool DescribeCorrelation(const MCBSN_850::BSNOutputStats& base, const DataInfo& 
     for (std::size_t i = 0; i < post.size() && i < rows; ++i) {
         if (ll[i].empty() && prior[i].empty() && post[i].empty()) continue;
         PlotSet plot;
-        plot.variable = first[i] + " & " + second[i];
+        plot.variable = first[i] + " with " + second[i];
         plot.parameter = "correlation";
         plot.logLikelihood = {x, ll[i]};
         plot.prior = {x, prior[i]};
