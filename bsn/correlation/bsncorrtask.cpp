@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <functional>
 #include <limits>
 #include <ostream>
 
@@ -10,6 +11,7 @@
 #include "bsn/frame/bsncorrreporter.h"
 #include "platform/common/mcmv.h"
 #include "platform/common/mcpower.h"
+#include "platform/dist/mcdistfun.h"
 #include "platform/display/mcdisplay.h"
 
 namespace MCBSN_850 {
@@ -264,38 +266,41 @@ void BSNCorrTask::CalculatePosterior(double r, double n, int pairIndex) {
     const double mu = std::atanh(r) - 2.5 * r / n;
     const double sd = std::sqrt(1.0 / (n + 1.0 - 2.5 * r * r));
     const std::size_t m = static_cast<std::size_t>(M);
+
+    // Mode: the draw with the largest kernel value. With A = c + (n-1)/2 > 0
+    // the kernel is unimodal on (-1, 1) with its peak at the root of
+    // r (2A - B) rho^2 - 2 A rho + B r = 0 (B = n - 3/2) inside (-1, 1), so
+    // the best draw is one of the two around that root, which are tracked
+    // as the draws are made.
+    const double A = m_c + (n - 1.0) / 2.0, B = n - 1.5;
+    const double disc = std::max(0.0, A * A - r * r * B * (2.0 * A - B));
+    const double peak = B * r / (A + std::sqrt(disc));
+    const bool unimodal = A > 0.0 && std::fabs(peak) < 1.0;
+    double below = -kLargest, above = kLargest;
+
     m_draws.resize(m);
     double* s = m_draws.data();
+    double sum = 0.0;
     for (std::size_t d = 0; d < m; ++d) {
         if (d % kCancelStride == 0 && cancelled()) return;
-        s[d] = std::tanh(m_random.GetNormal(mu, sd));
+        const double rho = std::tanh(m_random.GetNormal(mu, sd));
+        s[d] = rho;
+        sum += rho;
+        if (rho <= peak) {
+            below = std::max(below, rho);
+        } else {
+            above = std::min(above, rho);
+        }
     }
-
-    // Mean and divide-by-M variance, two passes over the draws.
-    double sum = 0.0;
-    for (std::size_t d = 0; d < m; ++d) sum += s[d];
+    // Mean and divide-by-M variance (the second pass keeps the digits when
+    // the draws crowd near +-1).
     mean = sum / static_cast<double>(m);
     double ss = 0.0;
     for (std::size_t d = 0; d < m; ++d) ss += (s[d] - mean) * (s[d] - mean);
     variance = ss / static_cast<double>(m);
 
-    // Mode: the draw with the largest kernel value. With A = c + (n-1)/2 > 0
-    // the kernel is unimodal on (-1, 1) with its peak at the root of
-    // r (2A - B) rho^2 - 2 A rho + B r = 0 (B = n - 3/2) inside (-1, 1), so
-    // the best draw is one of the two around that root.
-    const double A = m_c + (n - 1.0) / 2.0, B = n - 1.5;
-    const double disc = std::max(0.0, A * A - r * r * B * (2.0 * A - B));
-    const double peak = B * r / (A + std::sqrt(disc));
-    if (A > 0.0 && std::fabs(peak) < 1.0) {
-        double below = -kLargest, above = kLargest;
-        for (std::size_t d = 0; d < m; ++d) {
-            if (s[d] <= peak) {
-                below = std::max(below, s[d]);
-            } else {
-                above = std::min(above, s[d]);
-            }
-        }
-        double best = -kLargest;
+    double best = -kLargest;
+    if (unimodal) {
         for (double candidate : {below, above}) {
             if (candidate == -kLargest || candidate == kLargest) continue;
             const double value = CalculateModeProb(candidate, r, n);
@@ -305,7 +310,6 @@ void BSNCorrTask::CalculatePosterior(double r, double n, int pairIndex) {
             }
         }
     } else {
-        double best = -kLargest;
         for (std::size_t d = 0; d < m; ++d) {
             const double value = CalculateModeProb(s[d], r, n);
             if (value > best) {
@@ -315,32 +319,62 @@ void BSNCorrTask::CalculatePosterior(double r, double n, int pairIndex) {
         }
     }
 
-    // Narrowest interval spanning w + 1 sorted draws, w = floor(L M / 100):
-    // only the lowest M - w and the highest M - w draws need their order.
+    // Narrowest interval spanning w + 1 sorted draws, w = floor(L M / 100).
     const double level = m_settings.GetCILevel();
     double span = std::floor(level * static_cast<double>(m) / 100.0);
     if (!(span >= 0.0)) span = 0.0;
     const std::size_t w = std::min(static_cast<std::size_t>(span), m - 1);
     const std::size_t starts = m - w;
-    if (starts <= w) {
-        std::nth_element(s, s + starts, s + m);
-        std::sort(s, s + starts);
-        std::nth_element(s + starts, s + w, s + m);
-        std::sort(s + w, s + m);
+    const double* low = nullptr;   // the `starts` smallest draws, ascending
+    const double* high = nullptr;  // the `starts` largest draws, ascending
+    if (starts <= w && selectTails(mu, sd, starts)) {
+        low = m_lowTail.data();
+        high = m_highTail.data();
     } else {
         std::sort(s, s + m);
+        low = s;
+        high = s + w;
     }
     double narrowest = kLargest;
     for (std::size_t i = 0; i < starts; ++i) {
         if (i % kCancelStride == 0 && cancelled()) return;
-        const double width = s[i + w] - s[i];
+        const double width = high[i] - low[i];
         if (width < narrowest) {
             narrowest = width;
-            lower = s[i];
-            upper = s[i + w];
+            lower = low[i];
+            upper = high[i];
         }
     }
     store();
+}
+
+bool BSNCorrTask::selectTails(double mu, double sd, std::size_t count) {
+    // Only the `count` smallest and largest draws matter. The draws come
+    // from a known distribution, so a cut a few standard errors beyond its
+    // count/M quantile keeps all of them and few others; those few are then
+    // ordered. Should a cut keep too few (a chance below 1e-9), the caller
+    // sorts everything instead: the result never depends on the cut.
+    const std::size_t m = m_draws.size();
+    const double p = static_cast<double>(count) / static_cast<double>(m);
+    const double q = std::min(0.5, p + 6.0 * std::sqrt(p * (1.0 - p) / static_cast<double>(m)) + 2.0 / static_cast<double>(m));
+    const double zq = MCMath_850::MCDistFun::IdfNorm(q);
+    if (MCMV::IsMissing(zq)) return false;
+    const double lowCut = std::tanh(mu + sd * zq), highCut = std::tanh(mu - sd * zq);
+    m_lowTail.clear();
+    m_highTail.clear();
+    for (double x : m_draws) {
+        if (x <= lowCut) m_lowTail.push_back(x);
+        if (x >= highCut) m_highTail.push_back(x);
+    }
+    if (m_lowTail.size() < count || m_highTail.size() < count) return false;
+    std::nth_element(m_lowTail.begin(), m_lowTail.begin() + static_cast<std::ptrdiff_t>(count - 1), m_lowTail.end());
+    m_lowTail.resize(count);
+    std::sort(m_lowTail.begin(), m_lowTail.end());
+    std::nth_element(m_highTail.begin(), m_highTail.begin() + static_cast<std::ptrdiff_t>(count - 1), m_highTail.end(),
+                     std::greater<double>());
+    m_highTail.resize(count);
+    std::sort(m_highTail.begin(), m_highTail.end());
+    return true;
 }
 
 void BSNCorrTask::CalculatePlot(double r, double n, int pairIndex) {

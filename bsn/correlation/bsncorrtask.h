@@ -139,6 +139,9 @@ private:
     bool validPair(int i, double& r, double& n) const;
     void checkTruncation(int pairIndex, double scaledIntegral);
     double integrate(MCMath_850::IIntegrand& f, double a, double b, bool* failed);
+    // The `count` smallest and largest draws, each ascending, into the
+    // tail buffers; false when the quick cut did not keep enough of them.
+    bool selectTails(double mu, double sd, std::size_t count);
 
     int m_firstPair;
     int m_nPairs;
@@ -161,6 +164,7 @@ private:
     JZSFunction m_jzs;
     FractionFunctionG1V m_g1v;
     std::vector<double> m_draws;
+    std::vector<double> m_lowTail, m_highTail;
 
     std::atomic<long>* m_pairSteps = nullptr;
     int m_stepsPerPair = 1;

@@ -26,7 +26,7 @@ namespace MCMath_850 {
 
 class MCBlockXProdData {
 public:
-    static constexpr int kDefaultBlockSize = 256;
+    static constexpr int kDefaultBlockSize = 512;
 
     explicit MCBlockXProdData(int nVariables, int blockSize = kDefaultBlockSize);
 

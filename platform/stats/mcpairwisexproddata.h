@@ -28,7 +28,7 @@ namespace MCMath_850 {
 
 class MCPairwiseXProdData {
 public:
-    static constexpr int kDefaultBlockSize = 256;
+    static constexpr int kDefaultBlockSize = 512;
 
     // The statistics of one pair (j, k) over the cases where both are
     // present; for j == k those of variable j over its present cases.

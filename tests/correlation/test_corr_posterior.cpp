@@ -7,6 +7,7 @@
 #include <cmath>
 #include <limits>
 #include <numbers>
+#include <tuple>
 #include <vector>
 
 #include <boost/math/distributions/normal.hpp>
@@ -101,11 +102,16 @@ TEST(CorrelationPosterior, MatchesTheSamplingProcedureReplayedDrawByDraw) {
     // pair's draws follow the first's. An invalid pair draws nothing.
     const std::vector<double> rs = {0.35, kMiss, -0.6, 0.999999};
     const std::vector<double> ns = {30, 30, 8, 50};
-    for (long M : {1L, 2L, 7L, 1000L, 1001L}) {
-        for (double level : {95.0, 50.0, 10.0, 100.0}) {
-            SCOPED_TRACE(testing::Message() << "M " << M << " level " << level);
+    // c = -10 makes the kernel rise towards +-1 for the small pair, where
+    // every draw must be looked at for the mode.
+    for (const auto& [M, level, c] : std::vector<std::tuple<long, double, double>>{
+             {1, 95, 0}, {2, 50, 0}, {7, 95, 0}, {1000, 95, 0}, {1001, 95, 0}, {1000, 50, 0}, {1001, 10, 0},
+             {1000, 100, 0}, {1000, 0, 0}, {999, 95, -10}}) {
+        {
+            SCOPED_TRACE(testing::Message() << "M " << M << " level " << level << " c " << c);
             BSNSettings s = posteriorSettings(M);
             s.SetCILevel(level);
+            s.SetCorrCValue(c);
             TaskRig rig(rs, ns);
             rig.task(s, 0, 4, 123)->RunTask();
             MCMath_850::MCRandomValues gen(123);
@@ -125,7 +131,7 @@ TEST(CorrelationPosterior, MatchesTheSamplingProcedureReplayedDrawByDraw) {
                     const double rho = std::tanh(gen.GetNormal(mu, sd));
                     draws.push_back(rho);
                     sum += rho;
-                    const double k = kernel(rho, r, n, 0.0);
+                    const double k = kernel(rho, r, n, c);
                     if (k > best) {
                         best = k;
                         mode = rho;
