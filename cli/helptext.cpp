@@ -29,7 +29,8 @@ const char* const kExample = R"(EXAMPLE
   bsn run examples/binomial.json examples/binomial.csv --json - > result.json
   bsn run examples/normal.json examples/normal.csv --json result.json --plots plots --quiet
 
-  More examples: examples/poisson.*, examples/normal.*, examples/related.*
+  More examples: examples/poisson.*, examples/normal.*, examples/related.*,
+  examples/correlation.* (every pair of five variables, on all cores)
 )";
 
 const char* const kSettingsRules = R"(SETTINGS FILE
@@ -46,7 +47,11 @@ const char* const kSettingsRules = R"(SETTINGS FILE
     in a list of numbers. A single variable may be null (none).
   - Test variables: a one-sample binomial test reads Factors (values 0/1, or
     k for k successes in one trial), Poisson and normal tests read
-    Covariates, related samples pair Covariates[i] with 2ndRelatedList[i].
+    Covariates, related samples pair Covariates[i] with 2ndRelatedList[i],
+    correlation takes every pair of the Covariates.
+  - Correlation runs its pairs on worker threads: --threads N (default every
+    core) sets MaxThreadNum unless the file gives it; NPairsPerTask pairs
+    make one task.
   - NCases, when left out, is the number of records in the data file.
   - FactorSizes and FullModFactorSizes may be left out: they are then the
     number of categories found in each coded factor (2 for binomial test
@@ -112,8 +117,14 @@ const char* const kOutput = R"(OUTPUT
   horizontal line at 1), and the posterior density. Missing points are
   left out of a curve.
 
-  On a terminal a progress line is shown on stderr; Ctrl-C cancels the
-  analysis (a second Ctrl-C ends bsn at once).
+  Correlation tables have one row per pair of variables (both names, r, N,
+  Bayes factor and its log, posterior summaries); its JSON pairs are
+  [[i, j], ...] of column positions, and --plots draws the first MaxNPlots
+  pairs.
+
+  On a terminal a progress line is shown on stderr (records, then pairs of
+  a correlation); Ctrl-C cancels the analysis (a second Ctrl-C ends bsn at
+  once).
 )";
 
 const char* const kExitCodes = R"(EXIT CODES

@@ -61,6 +61,11 @@ bool BSNCorrTask::RunTask() {
             ComputeBayesFactorJZS();
     }
     if (type != BSNConst::BayesFactor && !m_status.IsError()) ComputePosterior();
+    // A finished task waits for the others with its results only: the
+    // draws of thousands of tasks would otherwise pile up.
+    std::vector<double>().swap(m_draws);
+    std::vector<double>().swap(m_lowTail);
+    std::vector<double>().swap(m_highTail);
     return true;
 }
 
