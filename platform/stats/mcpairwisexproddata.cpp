@@ -76,14 +76,46 @@ void MCPairwiseXProdData::foldIncomplete() {
         for (int j = 0; j < n; ++j)
             if (present(j, c) != 0.0) x(j, c) -= local[j];
 
-    // [M W; X W; X*X W] M' gives the counts, sums and sums of squares of
-    // each variable over the cases where the other one is present.
-    Eigen::MatrixXd stacked(3 * n, b);
-    stacked.topRows(n) = present * w.asDiagonal();
-    stacked.middleRows(n, n) = x * w.asDiagonal();
-    stacked.bottomRows(n) = x.cwiseProduct(x) * w.asDiagonal();
-    const Eigen::MatrixXd sums = stacked * present.transpose();
-    const Eigen::MatrixXd cross = stacked.middleRows(n, n) * x.transpose();
+    // Rows 0..n-1, n..2n-1 and 2n..3n-1 of `sums` hold, in column k, the
+    // count, sum and sum of squares of each variable over the block's cases
+    // where variable k is present: [M W; X W; X*X W] M'.
+    Eigen::MatrixXd sums(3 * n, n);
+    std::vector<std::pair<int, int>>& holes = m_holes;  // (case, variable)
+    holes.clear();
+    for (int c = 0; c < b; ++c)
+        for (int j = 0; j < n; ++j)
+            if (present(j, c) == 0.0) holes.emplace_back(c, j);
+    if (static_cast<double>(holes.size()) <= m_holeDensityLimit * static_cast<double>(n) * b) {
+        // Few holes: the sums over all the block's cases, less, for each
+        // hole (c, k), case c's share in column k. Each hole costs 3n.
+        Eigen::VectorXd full(3 * n);
+        full.head(n) = present * w;
+        full.segment(n, n) = x * w;
+        full.tail(n) = x.cwiseProduct(x) * w;
+        sums.colwise() = full;
+        for (const auto& [c, k] : holes) {
+            auto col = sums.col(k);
+            const double wc = w[c];
+            for (int j = 0; j < n; ++j) {
+                const double v = x(j, c);
+                col[j] -= wc * present(j, c);
+                col[n + j] -= wc * v;
+                col[2 * n + j] -= wc * v * v;
+            }
+        }
+    } else {
+        Eigen::MatrixXd stacked(3 * n, b);
+        stacked.topRows(n) = present * w.asDiagonal();
+        stacked.middleRows(n, n) = x * w.asDiagonal();
+        stacked.bottomRows(n) = x.cwiseProduct(x) * w.asDiagonal();
+        sums.noalias() = stacked * present.transpose();
+    }
+    // Cross-products over the cases where both are present (missing values
+    // are 0): X W X', one rank-k update on the square roots of the weights.
+    Eigen::MatrixXd scaled = x;
+    for (int c = 0; c < b; ++c) scaled.col(c) *= std::sqrt(w[c]);
+    Eigen::MatrixXd cross = Eigen::MatrixXd::Zero(n, n);
+    cross.selfadjointView<Eigen::Upper>().rankUpdate(scaled);
 
     for (int k = 0; k < n; ++k) {
         for (int j = 0; j <= k; ++j) {

@@ -9,7 +9,8 @@
 // matrix products: with M the 0/1 presence matrix, X the values (0 where
 // missing) and W the weights, the block's per-pair sums are
 //   N = M W M',  A = X W M',  Q = (X*X) W M',  C = X W X',
-// from which each pair's block means and centred sums follow; they are
+// (with few missing values N, A and Q are the block's totals less each
+// hole's share), from which each pair's block means and centred sums follow; they are
 // merged into per-pair running totals by the pairwise form of the West
 // update. The two parts are combined when a pair is read.
 //
@@ -18,6 +19,7 @@
 // block's first present value, so data far from zero lose no accuracy.
 // Getters see the cases folded so far (Flush() folds the rest).
 #include <iosfwd>
+#include <utility>
 #include <vector>
 
 #include <Eigen/Dense>
@@ -41,7 +43,16 @@ public:
         double xprod = 0.0;   // sum w (x_j - meanJ)(x_k - meanK)
     };
 
+    // Up to this share of missing values in a block, its sums are formed
+    // from the block's totals less each hole's share (cost ~ 3p per hole);
+    // beyond it by the matrix products (cost ~ 3p^2 per case, at the speed
+    // of dense matrix kernels).
+    static constexpr double kDefaultHoleDensityLimit = 0.125;
+
     explicit MCPairwiseXProdData(int nVariables, int blockSize = kDefaultBlockSize);
+
+    // 0 makes every block use the matrix products, 1 the hole updates.
+    void SetHoleDensityLimit(double share) { m_holeDensityLimit = share; }
 
     // Adds one case of nVariables values, any of them missing, with a
     // frequency weight; a missing weight or one <= 0 changes nothing.
@@ -76,7 +87,9 @@ private:
     Eigen::MatrixXd m_values, m_present;
     Eigen::VectorXd m_weights;
     int m_nPending = 0;
+    double m_holeDensityLimit = kDefaultHoleDensityLimit;
     std::vector<double> m_scratch;
+    std::vector<std::pair<int, int>> m_holes;
 };
 
 } // namespace MCMath_850

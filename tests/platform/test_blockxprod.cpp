@@ -1,11 +1,12 @@
 // The block accumulators of means and cross-products (complete cases, and
-// every pair over its own present cases) against two-pass sums over the
-// data, for many block sizes, weights, missing values and data far from
-// zero.
+// every pair over its own present cases, by matrix products or by hole
+// updates) against two-pass sums over the data, for many block sizes,
+// weights, missing values and data far from zero.
 #include <gtest/gtest.h>
 
 #include <cmath>
 #include <random>
+#include <utility>
 #include <vector>
 
 #include "platform/common/mcmv.h"
@@ -159,9 +160,11 @@ TEST(BlockXProd, WeightsAndIgnoredCases) {
 TEST(BlockXProd, PairwiseMatchesTwoPassOverEachPairsCases) {
     for (bool holes : {false, true}) {
         const Data d = makeData(holes, holes ? 23u : 29u);
-        for (int block : {1, 3, 17, 256}) {
-            SCOPED_TRACE(testing::Message() << "holes " << holes << " block " << block);
+        for (const auto& [block, limit] : std::vector<std::pair<int, double>>{
+                 {1, 0.0}, {3, 1.0}, {17, 0.0}, {17, 1.0}, {256, 0.0}, {256, 1.0}, {256, 0.125}}) {
+            SCOPED_TRACE(testing::Message() << "holes " << holes << " block " << block << " limit " << limit);
             MCPairwiseXProdData acc(kVars, block);
+            acc.SetHoleDensityLimit(limit);
             for (int c = 0; c < kCases; ++c) acc.AddCase(d.rows[c].data(), d.weights[c]);
             acc.Flush();
             for (int j = 0; j < kVars; ++j)
