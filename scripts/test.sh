@@ -20,4 +20,4 @@ cmake -S . -B build-tsan -G Ninja -DCMAKE_BUILD_TYPE=RelWithDebInfo -DBSN_TSAN=O
   > build-tsan.configure.log 2>&1 || { cat build-tsan.configure.log; exit 1; }
 ninja -C build-tsan bsn_tests
 TSAN_OPTIONS=halt_on_error=1:second_deadlock_stack=1 \
-  build-tsan/bsn_tests --gtest_filter='ThreadPool.*:CorrelationThreads.*'
+  build-tsan/bsn_tests --gtest_filter='ThreadPool.*:CorrelationThreads.*:CorrelationHost.*'
