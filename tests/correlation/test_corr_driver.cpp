@@ -7,11 +7,6 @@
 #include <sstream>
 #include <vector>
 
-#include "bsn/correlation/bayesfactor2dimif.h"
-#include "bsn/correlation/bayesfactor2dimmc.h"
-#include "bsn/correlation/bayesfactor2dimrng.h"
-#include "bsn/correlation/fractionfunctiong1v.h"
-#include "bsn/correlation/jzsfunction.h"
 #include "bsn/frame/bsncomponent.h"
 #include "tests/correlation/corrtestsupport.h"
 
@@ -135,28 +130,4 @@ TEST(CorrelationDriver, EdgesGiveNumbersOrMissingNeverNaN) {
         EXPECT_FALSE(MCMV::IsMissing(three.out().GetPosteriorMode()[0]));
         expectAllFinite(three.out());
     }
-}
-
-TEST(CorrelationDriver, DumpsNameTheirParts) {
-    auto dumped = [](const auto& object) {
-        std::ostringstream os;
-        object.Display(os);
-        return os.str();
-    };
-    MCBSN_850::BayesFactor2DimMC mc;
-    mc.SetParams(0.5, 20, 0.3, 100);
-    const std::string mcDump = dumped(mc);
-    for (const char* label : {"Lower boundary for rho", "Upper boundary for rho", "Lower boundary for V",
-                              "First inner boundary for V", "Second inner boundary for V", "Upper boundary for V"})
-        EXPECT_NE(mcDump.find(label), std::string::npos) << label;
-    EXPECT_NE(dumped(MCBSN_850::BayesFactor2DimIF()).find("Headroom: 706.78271289338"), std::string::npos);
-    EXPECT_NE(dumped(MCBSN_850::BayesFactor2DimRng(-1, 1, 0, 0.5)).find("Upper V: 0.5"), std::string::npos);
-    MCBSN_850::JZSFunction jzs;
-    jzs.SetParam(12, 0.5);
-    EXPECT_NE(dumped(jzs).find("(n-2)/2: 5"), std::string::npos);
-    MCBSN_850::FractionFunctionG1V g;
-    g.SetParam(9, 0.5, 0.2);
-    EXPECT_NE(dumped(g).find("m - 1: 8"), std::string::npos);
-    TaskRig rig({0.2}, {10});
-    EXPECT_NE(dumped(*rig.task(corrSettings({0, 1}), 0, 1, 1)).find("Indices where Integral Failed"), std::string::npos);
 }

@@ -97,19 +97,6 @@ TEST(CorrelationJZS, FactorsMatchHighPrecisionIntegrals) {
         EXPECT_NEAR(loose.logBF[i], cases[i].logBF, 1e-3) << i;
 }
 
-TEST(CorrelationJZS, NoTruncationNoticeWhenNothingIsCutOff) {
-    // Only pairs from n = 1e4 on leave out more than 1% of the mass.
-    TaskRig rig({0.3, -0.2, 0.1}, {10, 200, 20000});
-    auto task = rig.task(corrSettings({0, 1}, BC::BayesFactor), 0, 3, 1);
-    task->RunTask();
-    EXPECT_EQ(task->GetTruncationSevere().pair, 2);
-    TaskRig small({0.3, -0.2}, {10, 200});
-    auto none = small.task(corrSettings({0, 1}, BC::BayesFactor), 0, 2, 1);
-    none->RunTask();
-    EXPECT_EQ(none->GetTruncationSevere().pair, -1);
-    EXPECT_EQ(none->GetTruncationNotice().pair, 0);
-}
-
 TEST(CorrelationJZS, TruncationWarningsThroughTheProcedure) {
     // Five records weighted 2e7 each carry v0 and v1 (n = 1e8 for that
     // pair); five of weight 1 carry v0 and v2 (n = 5); v1 and v2 never meet.

@@ -87,16 +87,6 @@ TEST(CorrelationPosterior, SummariesWithinMonteCarloErrorOfExactValues) {
     }
 }
 
-TEST(CorrelationPosterior, PriorExponentMovesTheMode) {
-    TaskRig rig({0.6}, {20});
-    BSNSettings s = posteriorSettings(5000);
-    s.SetCorrCValue(4.0);
-    rig.task(s, 0, 1, 3)->RunTask();
-    const Exact e = exact(0.6, 20, 4.0, 95.0);
-    EXPECT_LT(e.mode, exact(0.6, 20, 0.0, 95.0).mode - 0.05);
-    EXPECT_NEAR(rig.mode[0], e.mode, 0.01 * e.sdRho);
-}
-
 TEST(CorrelationPosterior, MatchesTheSamplingProcedureReplayedDrawByDraw) {
     // Three pairs in one task share one generator, seeded once: the second
     // pair's draws follow the first's. An invalid pair draws nothing.
