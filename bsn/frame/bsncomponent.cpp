@@ -3,9 +3,12 @@
 #include <ostream>
 
 #include "bsn/correlation/bsnpearsoncorrelation.h"
+#include "bsn/loglinear/bsnloglinear.h"
 #include "bsn/onesample/bsn1samplebinomial.h"
 #include "bsn/onesample/bsn1samplenormal.h"
 #include "bsn/onesample/bsn1samplepoisson.h"
+#include "bsn/regression/bsnanova.h"
+#include "bsn/regression/bsnmultipleregr.h"
 #include "bsn/twosample/bsn2samplerelated.h"
 
 namespace MCBSN_850 {
@@ -29,6 +32,12 @@ std::unique_ptr<BSNAlgorithm> createProcedure(const BSNSettings& settings, const
         return std::make_unique<BSN2SampleRelated>(settings, varList);
     case BSNConst::Correlation:
         return std::make_unique<BSNPearsonCorrelation>(settings, varList);
+    case BSNConst::Regression:
+        return std::make_unique<BSNMultipleRegr>(settings, varList);
+    case BSNConst::Anova:
+        return std::make_unique<BSNAnova>(settings, varList);
+    case BSNConst::LogLinear:
+        return std::make_unique<BSNLogLinear>(settings, varList);
     default:
         return nullptr;
     }

@@ -15,6 +15,18 @@ bool PlatformMessage(int code, std::string& text) {
         text = "Warning: the JZS Bayes factor integral, cut at g = 1e6, leaves out more than 1% of the "
                "integrand's mass for some pairs; their factors are far from the factor over the whole range";
         return true;
+    case 420040:
+        text = "Warning: records with a factor code outside the declared categories or a negative weight "
+               "were left out of the table";
+        return true;
+    case 420041:
+        text = "Warning: some pairs of categories have no proper posterior (a cell's shape plus count is not "
+               "positive); their estimates are missing";
+        return true;
+    case 420042:
+        text = "Warning: there are too many pairs of categories (more than ten million) for posterior "
+               "estimates; none were computed";
+        return true;
     default:
         return false;
     }

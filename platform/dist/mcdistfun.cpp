@@ -142,6 +142,12 @@ double MCDistFun::CdfF(double x, double df1, double df2) {
     return finite(bm::cdf(bm::fisher_f_distribution<double, NoThrow>(df1, df2), x));
 }
 
+double MCDistFun::SigF(double x, double df1, double df2) {
+    if (anyMissing({x, df1, df2}) || df1 <= 0.0 || df2 <= 0.0) return MCMV::Missing();
+    if (x <= 0.0) return 1.0;
+    return finite(bm::cdf(bm::complement(bm::fisher_f_distribution<double, NoThrow>(df1, df2), x)));
+}
+
 double MCDistFun::IdfF(double p, double df1, double df2) {
     if (anyMissing({p, df1, df2}) || df1 <= 0.0 || df2 <= 0.0 || !isProb(p)) return MCMV::Missing();
     return finite(bm::quantile(bm::fisher_f_distribution<double, NoThrow>(df1, df2), p));

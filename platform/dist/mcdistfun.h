@@ -14,6 +14,11 @@ public:
     // ln Γ(x) for x > 0.
     static double quondnlgam(double x);
 
+    // The remainder of Stirling's series, ln Γ(z) - [(z - 1/2) ln z - z +
+    // ln √(2π)], for z > 0: small (about 1/(12 z)) and free of the
+    // cancellation that subtracting two large log-gamma values brings.
+    static double StirlingRemainder(double z);
+
     static double PdfBeta(double x, double a, double b);
     static double CdfBeta(double x, double a, double b);
     static double IdfBeta(double p, double a, double b);
@@ -40,6 +45,9 @@ public:
     static double PdfF(double x, double df1, double df2);
     static double CdfF(double x, double df1, double df2);
     static double IdfF(double p, double df1, double df2);
+    // The upper tail 1 - CdfF, computed directly so that a small
+    // significance keeps its digits.
+    static double SigF(double x, double df1, double df2);
 
     // Hypergeometric: x successes in a sample of c items drawn from n items
     // of which r are successes. PdfHyper takes whole numbers; CDFHyper is

@@ -4,10 +4,7 @@
 // tables under tests/data.
 #include <gtest/gtest.h>
 
-#include <fstream>
-#include <map>
 #include <memory>
-#include <sstream>
 #include <string>
 #include <vector>
 
@@ -18,6 +15,7 @@
 #include "platform/progress/mcquerycancel.h"
 #include "platform/records/columnrecorditer.h"
 #include "platform/variables/mcvarlist.h"
+#include "tests/onesample/extremedata.h"
 #include "tests/onesample/normaltestsupport.h"
 
 namespace corrtest {
@@ -77,44 +75,21 @@ struct CorrRun {
     MCCommon_850::MCStatus status;
 };
 
-// A CSV file of tests/data as rows of fields, header first.
-inline std::vector<std::vector<std::string>> readCsv(const std::string& name) {
-    std::ifstream in(std::string(BSN_SOURCE_DIR) + "/tests/data/" + name);
-    EXPECT_TRUE(in.good()) << name;
-    std::vector<std::vector<std::string>> rows;
-    std::string line;
-    while (std::getline(in, line)) {
-        std::vector<std::string> fields;
-        std::stringstream ss(line);
-        std::string f;
-        while (std::getline(ss, f, ',')) {
-            if (f.size() >= 2 && f.front() == '"') f = f.substr(1, f.size() - 2);
-            fields.push_back(f);
-        }
-        if (!line.empty() && line.back() == ',') fields.emplace_back();
-        rows.push_back(fields);
-    }
-    return rows;
-}
-
+// Rows of a tests/data CSV after its header; an empty field (or NA) is
+// the missing value.
+inline std::vector<extremedata::Row> readCsv(const std::string& name) { return extremedata::read(name); }
 inline double number(const std::string& field) { return field.empty() || field == "NA" ? kMiss : std::stod(field); }
 
 // Nothing NaN, infinite or absurd in any result vector.
 inline void expectAllFinite(const BSNPearsonCorrelationOutputStats& o) {
-    auto check = [](const std::vector<double>& v, const char* what) {
-        for (double x : v) EXPECT_TRUE(x == MCMV::Missing() || std::isfinite(x)) << what;
-    };
-    check(o.GetPearsonCorrelation(), "r");
-    check(o.GetBayesFactor(), "BF");
-    check(o.GetLogBayesFactors(), "log BF");
-    check(o.GetVarPairN(), "n");
-    check(o.GetPosteriorMode(), "mode");
-    check(o.GetPosteriorMean(), "mean");
-    check(o.GetPosteriorVariance(), "variance");
-    check(o.GetPosteriorLowerBound(), "lower");
-    check(o.GetPosteriorUpperBound(), "upper");
+    std::vector<const std::vector<double>*> all = {
+        &o.GetPearsonCorrelation(), &o.GetBayesFactor(),      &o.GetLogBayesFactors(),     &o.GetVarPairN(),
+        &o.GetPosteriorMode(),      &o.GetPosteriorMean(),    &o.GetPosteriorVariance(),   &o.GetPosteriorLowerBound(),
+        &o.GetPosteriorUpperBound()};
     for (const auto* curves : {&o.GetPlotLogLikelihood(), &o.GetPlotPrior(), &o.GetPlotPosterior()})
-        for (const auto& c : *curves) check(c, "curve");
+        for (const auto& c : *curves) all.push_back(&c);
+    for (std::size_t i = 0; i < all.size(); ++i)
+        for (double x : *all[i]) EXPECT_TRUE(x == MCMV::Missing() || std::isfinite(x)) << "vector " << i;
 }
 
 // Pair inputs and result vectors for running BSNCorrTask directly on

@@ -1,38 +1,15 @@
-// The correlation procedure through the component: the result object and
-// what each analysis type fills, the plot axis, and data at the edges
+// The correlation procedure: what each analysis type fills, the plot axis
+// with one and many points, and data at the edges
 // (three cases, a hundred million through weights, |r| = 0.999999, constant
 // variables, a pair without cases) that must give numbers or the missing
 // value, never NaN or infinity.
 #include <cmath>
-#include <sstream>
+#include <tuple>
 #include <vector>
 
-#include "bsn/frame/bsncomponent.h"
 #include "tests/correlation/corrtestsupport.h"
 
 using namespace corrtest;
-
-TEST(CorrelationDriver, ComponentBuildsTheProcedureAndItsResult) {
-    const std::vector<std::vector<double>> cols = {{1, 2, 3, 4, 5}, {2, 1, 4, 3, 6}, {9, 7, 8, 5, 6}};
-    BSNSettings s = corrSettings({0, 1, 2});
-    MCBSN_850::BSNComponent component(s, varList(3));
-    EXPECT_TRUE(component.HasProcedure());
-    MCCommon_850::ColumnRecordIter iter(cols);
-    ASSERT_TRUE(component.BuildModel(iter).IsOK());
-    EXPECT_TRUE(component.IsModelBuilt());
-    const auto* o = dynamic_cast<const BSNPearsonCorrelationOutputStats*>(component.GetOutputStats());
-    ASSERT_NE(o, nullptr);
-    EXPECT_EQ(o->GetModelType(), BC::Correlation);
-    EXPECT_EQ(o->GetOutputType(), BC::OutputCorrelation);
-    EXPECT_EQ(o->GetSettings().GetCovariates(), (std::vector<int>{0, 1, 2}));
-    std::ostringstream dump;
-    component.Display(dump);
-    for (const char* label : {"VarPairIndices", "PearsonCorrelation", "IsLogBayesFactor", "Indices where Integral Failed",
-                              "VarPairRecordNumber", "VarRecordNumber", "PosteriorMode", "PosteriorMean",
-                              "PosteriorVariance", "PosteriorLowerBound", "PosteriorUpperBound", "PlotXAxis",
-                              "PlotLogLikelihood", "PlotPrior", "PlotPosterior"})
-        EXPECT_NE(dump.str().find(label), std::string::npos) << label;
-}
 
 TEST(CorrelationDriver, AnalysisTypeDecidesWhatIsFilled) {
     const std::vector<std::vector<double>> cols = {{1, 2, 3, 4, 5, 6}, {2, 1, 4, 3, 6, 5}, {9, 7, 8, 5, 6, 1}};
@@ -61,20 +38,16 @@ TEST(CorrelationDriver, AnalysisTypeDecidesWhatIsFilled) {
         EXPECT_EQ(o.GetPlotLogLikelihood()[0].size(), posterior ? 4u : 0u);
         expectAllFinite(o);
     }
-}
-
-TEST(CorrelationDriver, PlotAxisWithOnePointAndWithoutPlots) {
-    const std::vector<std::vector<double>> cols = {{1, 2, 3, 4}, {2, 1, 4, 3}};
-    BSNSettings one = corrSettings({0, 1});
-    one.SetNPlotPoints(1);
-    CorrRun run(one, cols);
-    EXPECT_EQ(run.out().GetPlotXAxis(), (std::vector<double>{0.0}));
-    EXPECT_EQ(run.out().GetPlotPosterior().size(), 1u);
-    BSNSettings none = corrSettings({0, 1});
-    none.SetMaxNPlots(0);
-    CorrRun noPlots(none, cols);
-    EXPECT_TRUE(noPlots.out().GetPlotXAxis().empty());
-    EXPECT_TRUE(noPlots.out().GetPlotPosterior().empty());
+    // One point is the middle of the range; no plots, no axis.
+    for (const auto& [points, plots, axis] : std::vector<std::tuple<int, int, std::vector<double>>>{
+             {1, 1, {0.0}}, {5, 0, {}}}) {
+        BSNSettings s = corrSettings({0, 1, 2});
+        s.SetNPlotPoints(points);
+        s.SetMaxNPlots(plots);
+        CorrRun run(s, cols);
+        EXPECT_EQ(run.out().GetPlotXAxis(), axis);
+        EXPECT_EQ(run.out().GetPlotPosterior().size(), static_cast<std::size_t>(plots));
+    }
 }
 
 TEST(CorrelationDriver, EdgesGiveNumbersOrMissingNeverNaN) {

@@ -97,58 +97,56 @@ TEST(CorrelationPosterior, MatchesTheSamplingProcedureReplayedDrawByDraw) {
     for (const auto& [M, level, c] : std::vector<std::tuple<long, double, double>>{
              {1, 95, 0}, {2, 50, 0}, {7, 95, 0}, {1000, 95, 0}, {1001, 95, 0}, {1000, 50, 0}, {1001, 10, 0},
              {1000, 100, 0}, {1000, 0, 0}, {999, 95, -10}}) {
-        {
-            SCOPED_TRACE(testing::Message() << "M " << M << " level " << level << " c " << c);
-            BSNSettings s = posteriorSettings(M);
-            s.SetCILevel(level);
-            s.SetCorrCValue(c);
-            TaskRig rig(rs, ns);
-            rig.task(s, 0, 4, 123)->RunTask();
-            MCMath_850::MCRandomValues gen(123);
-            for (std::size_t i = 0; i < rs.size(); ++i) {
-                if (MCMV::IsMissing(rs[i])) {
-                    EXPECT_TRUE(MCMV::IsMissing(rig.mode[i]));
-                    EXPECT_TRUE(MCMV::IsMissing(rig.lower[i]));
-                    continue;
-                }
-                const double r = rs[i], n = ns[i];
-                const double mu = std::atanh(r) - 2.5 * r / n;
-                const double sd = std::sqrt(1 / (n + 1 - 2.5 * r * r));
-                std::vector<double> draws;
-                long double sum = 0;
-                double best = -std::numeric_limits<double>::max(), mode = kMiss;
-                for (long d = 0; d < M; ++d) {
-                    const double rho = std::tanh(gen.GetNormal(mu, sd));
-                    draws.push_back(rho);
-                    sum += rho;
-                    const double k = kernel(rho, r, n, c);
-                    if (k > best) {
-                        best = k;
-                        mode = rho;
-                    }
-                }
-                EXPECT_EQ(rig.mode[i], mode);
-                // Mean and divide-by-M variance, two passes in long double.
-                const long double m = sum / M;
-                long double ss = 0;
-                for (double x : draws) ss += (x - m) * (x - m);
-                EXPECT_NEAR(rig.mean[i], static_cast<double>(m), 1e-15);
-                EXPECT_NEAR(rig.variance[i], static_cast<double>(ss / M), 1e-12 * static_cast<double>(ss / M));
-                std::sort(draws.begin(), draws.end());
-                const long k = std::min(static_cast<long>(std::floor(level * M / 100.0)), M - 1);
-                double width = std::numeric_limits<double>::max(), lo = kMiss, hi = kMiss;
-                for (long j = 0; j + k < M; ++j)
-                    if (draws[j + k] - draws[j] < width) {
-                        width = draws[j + k] - draws[j];
-                        lo = draws[j];
-                        hi = draws[j + k];
-                    }
-                EXPECT_EQ(rig.lower[i], lo);
-                EXPECT_EQ(rig.upper[i], hi);
-                // The interval spans exactly k + 1 of the (distinct) draws.
-                const auto inside = std::count_if(draws.begin(), draws.end(), [&](double x) { return x >= lo && x <= hi; });
-                EXPECT_EQ(inside, k + 1);
+        SCOPED_TRACE(testing::Message() << "M " << M << " level " << level << " c " << c);
+        BSNSettings s = posteriorSettings(M);
+        s.SetCILevel(level);
+        s.SetCorrCValue(c);
+        TaskRig rig(rs, ns);
+        rig.task(s, 0, 4, 123)->RunTask();
+        MCMath_850::MCRandomValues gen(123);
+        for (std::size_t i = 0; i < rs.size(); ++i) {
+            if (MCMV::IsMissing(rs[i])) {
+                EXPECT_TRUE(MCMV::IsMissing(rig.mode[i]));
+                EXPECT_TRUE(MCMV::IsMissing(rig.lower[i]));
+                continue;
             }
+            const double r = rs[i], n = ns[i];
+            const double mu = std::atanh(r) - 2.5 * r / n;
+            const double sd = std::sqrt(1 / (n + 1 - 2.5 * r * r));
+            std::vector<double> draws;
+            long double sum = 0;
+            double best = -std::numeric_limits<double>::max(), mode = kMiss;
+            for (long d = 0; d < M; ++d) {
+                const double rho = std::tanh(gen.GetNormal(mu, sd));
+                draws.push_back(rho);
+                sum += rho;
+                const double k = kernel(rho, r, n, c);
+                if (k > best) {
+                    best = k;
+                    mode = rho;
+                }
+            }
+            EXPECT_EQ(rig.mode[i], mode);
+            // Mean and divide-by-M variance, two passes in long double.
+            const long double m = sum / M;
+            long double ss = 0;
+            for (double x : draws) ss += (x - m) * (x - m);
+            EXPECT_NEAR(rig.mean[i], static_cast<double>(m), 1e-15);
+            EXPECT_NEAR(rig.variance[i], static_cast<double>(ss / M), 1e-12 * static_cast<double>(ss / M));
+            std::sort(draws.begin(), draws.end());
+            const long k = std::min(static_cast<long>(std::floor(level * M / 100.0)), M - 1);
+            double width = std::numeric_limits<double>::max(), lo = kMiss, hi = kMiss;
+            for (long j = 0; j + k < M; ++j)
+                if (draws[j + k] - draws[j] < width) {
+                    width = draws[j + k] - draws[j];
+                    lo = draws[j];
+                    hi = draws[j + k];
+                }
+            EXPECT_EQ(rig.lower[i], lo);
+            EXPECT_EQ(rig.upper[i], hi);
+            // The interval spans exactly k + 1 of the (distinct) draws.
+            const auto inside = std::count_if(draws.begin(), draws.end(), [&](double x) { return x >= lo && x <= hi; });
+            EXPECT_EQ(inside, k + 1);
         }
     }
 }

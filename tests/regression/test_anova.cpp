@@ -1,0 +1,141 @@
+// The one-way ANOVA: cells, empty cells, factor codes, and agreement with
+// the regression on the same data.
+#include <cmath>
+
+#include "tests/regression/regrtestsupport.h"
+
+using namespace regrtest;
+
+namespace {
+
+BSNSettings anovaSettings(int nCategories) {
+    BSNSettings s;
+    s.SetModelType(BC::Anova, true);
+    s.SetDependVar(0);
+    s.SetFactors({1});
+    s.SetFactorNCategs({nCategories});
+    s.SetAnalysType(BC::Both);
+    s.SetPriorType(BC::Reference);
+    s.SetRegrCompType(BC::Zellner);
+    s.SetRegrComPar(10.0);
+    return s;
+}
+
+} // namespace
+
+TEST(Anova, CellMeansTableAndAgreementWithRegression) {
+    // Factor codes 1.85 -> cell 1 and 1.95 -> cell 2 (value + 0.1, rounded down).
+    std::vector<std::vector<double>> cols = {{3, 4, 5, 7, 8, 12, 13, 10, 1e9},
+                                             {0, 0, 0.0, 1, 1.85, 1.95, 2, 2, kMiss},
+                                             {1, 2, 1, 1, 1, 3, 1, 1, 1}};
+    BSNSettings s = anovaSettings(3);
+    s.SetFrequencyWeightVar(2);
+    RegrRun run(s, cols, varList(3, {1}));
+    ASSERT_TRUE(run.status.IsOK()) << run.status.GetCode();
+    const auto& r = run.result();
+    EXPECT_EQ(r.GetOutputType(), BC::OutputAnova);
+    // Cells: {3, 4, 4, 5}, {7, 8}, {12, 12, 12, 13, 10}.
+    const auto& b = r.GetRegrParameters();
+    EXPECT_NEAR(b[0], 4.0, 1e-12);
+    EXPECT_NEAR(b[1], 7.5, 1e-12);
+    EXPECT_NEAR(b[2], 59.0 / 5, 1e-12);
+    const double N = 11, mean = (16 + 15 + 59) / N;
+    const double sse = 2 + 0.5 + (3 * 0.04 + 1.44 + 3.24);
+    double sst = 0;
+    for (double y : {3., 4., 4., 5., 7., 8., 12., 12., 12., 13., 10.}) sst += (y - mean) * (y - mean);
+    EXPECT_NEAR(r.GetAnova().residualSS, sse, 1e-10);
+    EXPECT_NEAR(r.GetAnova().totalSS, sst, 1e-10);
+    EXPECT_EQ(r.GetAnova().regressionDF, 2.0);
+    EXPECT_EQ(r.GetAnova().residualDF, 8.0);
+    EXPECT_NEAR(r.GetRSquared(), 1 - sse / sst, 1e-12);
+
+    // The regression on the same cells (intercept + indicators) fits the
+    // same model.
+    BSNSettings reg;
+    reg.SetModelType(BC::Regression, true);
+    reg.SetDependVar(0);
+    reg.SetFactors({1});
+    reg.SetFactorNCategs({3});
+    reg.SetFrequencyWeightVar(2);
+    reg.SetAnalysType(BC::Both);
+    reg.SetPriorType(BC::Reference);
+    reg.SetRegrCompType(BC::Zellner);
+    reg.SetRegrComPar(10.0);
+    RegrRun rr(reg, cols, varList(3, {1}));
+    ASSERT_TRUE(rr.status.IsOK());
+    EXPECT_NEAR(rr.result().GetRSquared(), r.GetRSquared(), 1e-12);
+    EXPECT_NEAR(rr.result().GetAnova().f, r.GetAnova().f, 1e-9);
+    EXPECT_NEAR(rr.result().GetBayesFactor(), r.GetBayesFactor(), 1e-9 * r.GetBayesFactor());
+    EXPECT_NEAR(rr.result().GetErrorBayesEstimation().GetMean(), r.GetErrorBayesEstimation().GetMean(), 1e-10);
+    // Cell 2's mean under the regression is intercept + 0.
+    EXPECT_NEAR(rr.result().GetRegrParameters()[0], b[2], 1e-10);
+    // Posterior of a cell mean: t with N - k df around the mean, scale s sqrt(1/w).
+    const double nu = N - 3, s2 = sse / nu;
+    EXPECT_NEAR(r.GetVarCoeffBayesEstimations()[1].GetVariance(), s2 / 2 * nu / (nu - 2), 1e-12);
+}
+
+TEST(Anova, EmptyCellsAndOneCategory) {
+    std::vector<std::vector<double>> cols = {{3, 4, 5, 9, 10}, {0, 0, 0, 2, 2}};
+    // Three categories, the middle one empty: dropped, the others analysed.
+    RegrRun run(anovaSettings(3), cols, varList(2, {1}));
+    ASSERT_TRUE(run.status.IsOK()) << run.status.GetCode();
+    EXPECT_EQ(run.result().GetRedundancy(), (std::vector<bool>{false, true, false}));
+    EXPECT_EQ(run.result().GetAnova().regressionDF, 1.0);
+    EXPECT_TRUE(MCMV::IsMissing(run.result().GetVarCoeffBayesEstimations()[1].GetVariance()));
+    // Two categories with one empty: only one cell is left.
+    std::vector<std::vector<double>> one = {{3, 4, 5}, {0, 0, 0}};
+    EXPECT_EQ(RegrRun(anovaSettings(2), one, varList(2, {1})).status.GetCode(), 410012);
+    // A single category is refused before the pass.
+    EXPECT_EQ(RegrRun(anovaSettings(1), one, varList(2, {1})).status.GetCode(), 410012);
+    // A perfect fit keeps its factor under Zellner only.
+    std::vector<std::vector<double>> perfect = {{3, 3, 5, 5}, {0, 0, 1, 1}};
+    BSNSettings s = anovaSettings(2);
+    RegrRun z(s, perfect, varList(2, {1}));
+    EXPECT_EQ(z.count(410014), 0);
+    EXPECT_FALSE(MCMV::IsMissing(z.result().GetBayesFactor()));
+    s.SetRegrCompType(BC::Siow);
+    RegrRun si(s, perfect, varList(2, {1}));
+    EXPECT_EQ(si.count(410014), 1);
+    EXPECT_TRUE(MCMV::IsMissing(si.result().GetBayesFactor()));
+    // More than 4999 categories.
+    EXPECT_EQ(RegrRun(anovaSettings(5000), one, varList(2, {1})).status.GetCode(), 410057);
+}
+
+TEST(Anova, PlotsOfCellsSigmaAndPrediction) {
+    std::vector<std::vector<double>> cols = {{3, 4, 5, 7, 8, 12, 13, 10, 9}, {0, 0, 0, 1, 1, 2, 2, 2, 1}};
+    BSNSettings s = anovaSettings(3);
+    s.SetPlotFactorCats({2, 0});
+    s.SetMaxNPlotCategories(5);
+    s.SetNPlotPoints(21);
+    s.SetRegressors({1});
+    RegrRun run(s, cols, varList(2, {1}));
+    ASSERT_TRUE(run.status.IsOK());
+    const auto& r = run.result();
+    EXPECT_EQ(r.GetPlotParameters(), (std::vector<int>{2, 0}));
+    ASSERT_EQ(r.GetPosteriorParamPlots().size(), 2u);
+    for (std::size_t i = 0; i < 2; ++i) {
+        const auto& x = r.GetParamsArgumentsPlots4Posterior()[i];
+        const auto& y = r.GetPosteriorParamPlots()[i];
+        ASSERT_EQ(x.size(), 21u);
+        // Symmetric t: the peak (1) in the middle, the ends at the domain.
+        EXPECT_NEAR(y[10], 1.0, 1e-12);
+        EXPECT_NEAR(y[0], y[20], 1e-12);
+        // The reference prior is flat: two points of height 1.
+        EXPECT_EQ(r.GetPriorParamPlots()[i], (std::vector<double>{1.0, 1.0}));
+        EXPECT_EQ(r.GetLikelihoodParamPlots()[i].size(), 21u);
+    }
+    // The domain holds all but the plot-domain tail mass of the t posterior.
+    const double nu = 9 - 3;
+    const auto& e = r.GetVarCoeffBayesEstimations()[2];
+    const double scale = std::sqrt(e.GetVariance() * (nu - 2) / nu);
+    const auto& x = r.GetParamsArgumentsPlots4Posterior()[0];
+    EXPECT_NEAR((x.back() - e.GetMean()) / scale, 4.316827, 1e-5);  // qt(0.9975, 6)
+    EXPECT_EQ(r.GetPosteriorErrorVarPlot().size(), 21u);
+    EXPECT_EQ(r.GetPosteriorPredictedPlot().size(), 21u);
+    EXPECT_NEAR(r.GetPredictedBayesEstimation().GetMean(), r.GetRegrParameters()[1], 1e-12);
+    // A regressor that is not a category: 410022 and no prediction.
+    s.SetRegressors({3});
+    RegrRun bad(s, cols, varList(2, {1}));
+    EXPECT_EQ(bad.count(410022), 1);
+    EXPECT_TRUE(MCMV::IsMissing(bad.result().GetPredictedBayesEstimation().GetMean()));
+}

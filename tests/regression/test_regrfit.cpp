@@ -1,0 +1,423 @@
+// The regression fit, its posteriors and its error paths, against numbers
+// from R's lm and independent matrix formulas (tests/data/regr_reference.R).
+#include <cmath>
+#include <functional>
+
+#include "bsn/regression/bsnregraccumulator.h"
+#include "tests/regression/regrtestsupport.h"
+
+using namespace regrtest;
+
+namespace {
+
+// y ~ g (3 categories) + x1 + x2, frequency and regression weights.
+BSNSettings smallSettings() {
+    BSNSettings s;
+    s.SetModelType(BC::Regression, true);
+    s.SetDependVar(0);
+    s.SetFactors({3});
+    s.SetFactorNCategs({3});
+    s.SetCovariates({1, 2});
+    s.SetFrequencyWeightVar(5);
+    s.SetRegrWeightVar(6);
+    s.SetAnalysType(BC::Both);
+    s.SetRegrCompType(BC::Zellner);
+    s.SetRegrComPar(50.0);
+    s.SetRegressors({1, 1.5, 9});
+    MCBSN_850::BayesFTest t;
+    t.SetPredictors({1, 2});
+    t.SetTestValues({0.5, -0.25});
+    t.SetLabel("slopes");
+    s.SetFTests({t});
+    return s;
+}
+
+const auto& reference() {
+    static const auto ref = readReference("regr_reference.csv");
+    return ref;
+}
+
+} // namespace
+
+TEST(RegressionFit, LeastSquaresAndAnovaAgreeWithWeightedLm) {
+    const auto& ref = reference();
+    {
+        BSNSettings s = smallSettings();
+        s.SetPriorType(BC::Reference);
+        RegrRun run(s, readColumns("regr_small.csv"), varList(7, {3, 4}));
+        ASSERT_TRUE(run.status.IsOK()) << run.status.GetCode();
+        const auto& r = run.result();
+        const auto& b = r.GetRegrParameters();
+        ASSERT_EQ(b.size(), 6u);
+        for (std::size_t i = 0; i < 6; ++i) expectRel(b[i], ref.at("coef")[i], 1e-10, "coef " + std::to_string(i));
+        EXPECT_EQ(r.GetRedundancy(), (std::vector<bool>{false, false, false, true, false, false}));
+        expectRel(r.GetRSquared(), ref.at("r2")[0], 1e-12, "R2");
+        expectRel(r.GetAdjRSquared(), ref.at("adjr2")[0], 1e-12, "adj R2");
+        const auto& a = r.GetAnova();
+        expectRel(a.regressionSS, ref.at("ss")[0], 1e-10, "SSR");
+        expectRel(a.residualSS, ref.at("ss")[1], 1e-10, "SSE");
+        expectRel(a.totalSS, ref.at("ss")[2], 1e-10, "SST");
+        EXPECT_EQ(a.regressionDF, ref.at("df")[0]);
+        EXPECT_EQ(a.residualDF, ref.at("df")[1]);
+        EXPECT_EQ(a.totalDF, ref.at("df")[2]);
+        expectRel(a.residualMS, ref.at("ss")[1] / ref.at("df")[1], 1e-10, "MSE");
+        expectRel(a.f, ref.at("f")[0], 1e-9, "F");
+        expectRel(a.sig / ref.at("fsig")[0], 1.0, 1e-8, "significance");
+        expectRel(r.GetSigmaSquared(), ref.at("ss")[1] / ref.at("df")[1], 1e-10, "sigma2");
+        EXPECT_EQ(r.GetNCases(), ref.at("N")[0]);
+    }
+}
+
+TEST(RegressionFit, ReferencePosteriorMatchesMatrixFormulas) {
+    const auto& ref = reference();
+    BSNSettings s = smallSettings();
+    s.SetPriorType(BC::Reference);
+    RegrRun run(s, readColumns("regr_small.csv"), varList(7, {3, 4}));
+    ASSERT_TRUE(run.status.IsOK());
+    const auto& r = run.result();
+    const auto& est = r.GetVarCoeffBayesEstimations();
+    const std::vector<int> keep = {0, 1, 2, 4, 5};
+    for (std::size_t j = 0; j < keep.size(); ++j) {
+        const auto& e = est[static_cast<std::size_t>(keep[j])];
+        expectRel(e.GetVariance(), ref.at("ref_var")[j], 1e-9, "variance " + std::to_string(j));
+        expectRel(e.GetLower(), ref.at("ref_lower")[j], 1e-9, "lower " + std::to_string(j));
+        EXPECT_NEAR(e.GetLower() + e.GetUpper(), 2 * e.GetMean(), 1e-9);
+    }
+    // The redundant parameter: mode and mean 0, nothing else.
+    EXPECT_EQ(est[3].GetMode(), 0.0);
+    EXPECT_EQ(est[3].GetMean(), 0.0);
+    EXPECT_TRUE(MCMV::IsMissing(est[3].GetVariance()));
+    EXPECT_TRUE(MCMV::IsMissing(est[3].GetLower()));
+    const auto& e = r.GetErrorBayesEstimation();
+    const auto& sig = ref.at("ref_sigma2");
+    expectRel(e.GetMode(), sig[0], 1e-10, "sigma2 mode");
+    expectRel(e.GetMean(), sig[1], 1e-10, "sigma2 mean");
+    expectRel(e.GetVariance(), sig[2], 1e-10, "sigma2 variance");
+    expectRel(e.GetLower(), sig[3], 1e-9, "sigma2 lower");
+    expectRel(e.GetUpper(), sig[4], 1e-9, "sigma2 upper");
+    const auto& p = r.GetPredictedBayesEstimation();
+    const auto& pr = ref.at("ref_pred");
+    expectRel(p.GetMean(), pr[0], 1e-10, "prediction");
+    expectRel(p.GetVariance(), pr[1], 1e-9, "prediction variance");
+    expectRel(p.GetLower(), pr[2], 1e-9, "prediction lower");
+    expectRel(p.GetUpper(), pr[3], 1e-9, "prediction upper");
+    expectRel(r.GetFStat(), ref.at("ref_fall")[0], 1e-9, "overall F");
+    ASSERT_EQ(r.GetFTestResults().size(), 1u);
+    expectRel(r.GetFTestResults()[0].GetWald(), ref.at("ref_ftest")[0], 1e-9, "F test");
+    EXPECT_NEAR(r.GetFTestResults()[0].GetSig(), ref.at("ref_ftest")[1], 1e-12);
+    EXPECT_EQ(r.GetFTestResults()[0].GetDF(), 2.0);
+    EXPECT_EQ(r.GetFTestResults()[0].GetDF2(), ref.at("ref_nu")[0]);
+}
+
+TEST(RegressionFit, ConjugatePosteriorMatchesMatrixFormulas) {
+    const auto& ref = reference();
+    BSNSettings s = smallSettings();
+    s.SetPriorType(BC::Conjugate);
+    s.SetPriorShape(3);
+    s.SetPriorScale(2);
+    // The prior mean of the redundant parameter (index 3) plays no part.
+    s.SetPriorMeans({1, 0.5, -0.5, 123.0, 0.7, -0.2});
+    s.SetPriorCovMatrix({4, 0.5, 2, 0.2, 0.1, 3, 0, 0, 0, 1, 0.3, 0, 0.1, 0, 1.5, 0.1, 0, 0, 0, 0.2, 0.8});
+    RegrRun run(s, readColumns("regr_small.csv"), varList(7, {3, 4}));
+    ASSERT_TRUE(run.status.IsOK()) << run.status.GetCode();
+    EXPECT_EQ(run.count(410021), 0);
+    const auto& r = run.result();
+    const auto& est = r.GetVarCoeffBayesEstimations();
+    const std::vector<int> keep = {0, 1, 2, 4, 5};
+    for (std::size_t j = 0; j < keep.size(); ++j) {
+        const auto& e = est[static_cast<std::size_t>(keep[j])];
+        expectRel(e.GetMean(), ref.at("conj_mean")[j], 1e-9, "mean " + std::to_string(j));
+        expectRel(e.GetVariance(), ref.at("conj_var")[j], 1e-9, "variance " + std::to_string(j));
+        expectRel(e.GetLower(), ref.at("conj_lower")[j], 1e-9, "lower " + std::to_string(j));
+    }
+    EXPECT_EQ(est[3].GetMean(), 0.0);
+    const auto& e = r.GetErrorBayesEstimation();
+    const auto& sig = ref.at("conj_sigma2");
+    expectRel(e.GetMode(), sig[0], 1e-10, "sigma2 mode");
+    expectRel(e.GetMean(), sig[1], 1e-10, "sigma2 mean");
+    expectRel(e.GetVariance(), sig[2], 1e-10, "sigma2 variance");
+    expectRel(e.GetLower(), sig[3], 1e-9, "sigma2 lower");
+    expectRel(e.GetUpper(), sig[4], 1e-9, "sigma2 upper");
+    const auto& p = r.GetPredictedBayesEstimation();
+    const auto& pr = ref.at("conj_pred");
+    expectRel(p.GetMean(), pr[0], 1e-10, "prediction");
+    expectRel(p.GetVariance(), pr[1], 1e-9, "prediction variance");
+    expectRel(p.GetLower(), pr[2], 1e-9, "prediction lower");
+    expectRel(p.GetUpper(), pr[3], 1e-9, "prediction upper");
+    expectRel(r.GetFStat(), ref.at("conj_fall")[0], 1e-9, "overall F");
+    expectRel(r.GetFTestResults()[0].GetWald(), ref.at("conj_ftest")[0], 1e-9, "F test");
+    EXPECT_NEAR(r.GetFTestResults()[0].GetSig(), ref.at("conj_ftest")[1], 1e-12);
+    // Scoring keeps the posterior mean and the posterior covariance factor.
+    EXPECT_EQ(r.GetScoringCoefficients()[1], est[1].GetMean());
+    EXPECT_EQ(r.GetPosteriorCovFactor().Size(), 6);
+    EXPECT_NEAR(r.GetPredIntervalScale() * r.GetPosteriorCovFactor().Get(1, 1) * r.GetTQuantile() *
+                    r.GetTQuantile(),
+                std::pow(est[1].GetUpper() - est[1].GetMean(), 2), 1e-9);
+
+    // A covariance of the wrong size falls back to the identity (410021).
+    s.SetPriorCovMatrix({1, 0, 1});
+    RegrRun fallback(s, readColumns("regr_small.csv"), varList(7, {3, 4}));
+    ASSERT_TRUE(fallback.status.IsOK());
+    const auto* w = fallback.warning(410021);
+    ASSERT_NE(w, nullptr);
+    EXPECT_EQ(w->GetDiscreteDatum(0), 21);
+    EXPECT_EQ(w->GetDiscreteDatum(1), 3);
+    EXPECT_FALSE(MCMV::IsMissing(fallback.result().GetVarCoeffBayesEstimations()[1].GetMean()));
+
+    // Missing shape: 410019; prior means of the wrong length: 410020 (n, given).
+    BSNSettings noShape = s;
+    noShape.SetPriorShape(kMiss);
+    EXPECT_EQ(RegrRun(noShape, readColumns("regr_small.csv"), varList(7, {3, 4})).status.GetCode(), 410019);
+    BSNSettings shortMeans = s;
+    shortMeans.SetPriorMeans({1, 2});
+    RegrRun bad(shortMeans, readColumns("regr_small.csv"), varList(7, {3, 4}));
+    EXPECT_EQ(bad.status.GetCode(), 410020);
+    EXPECT_EQ(bad.status.GetDiscreteDatum(0), 6);
+    EXPECT_EQ(bad.status.GetDiscreteDatum(1), 2);
+    EXPECT_FALSE(bad.hasResult());
+}
+
+TEST(RegressionFit, FullModelRSquaredAndFactorDirection) {
+    const auto& ref = reference();
+    BSNSettings s = smallSettings();
+    s.SetAnalysType(BC::BayesFactor);
+    s.SetCompareType(BC::CompareFull);
+    s.SetFullModFactors({3, 4});
+    s.SetFullModFactorNCategs({3, 4});
+    s.SetFullModCovariates({1, 2});
+    RegrRun run(s, readColumns("regr_small.csv"), varList(7, {3, 4}));
+    ASSERT_TRUE(run.status.IsOK());
+    const auto& r = run.result();
+    expectRel(r.GetRSquaredFull(), ref.at("r2full")[0], 1e-12, "full R2");
+    // Zellner, full comparison: ((1 + pF - N)/2) ln(1 + g) + ((N - p - 1)/2) ln(rho g + 1).
+    const double N = ref.at("N")[0], p = 4, pF = 7, g = 50;
+    const double rho = (1 - ref.at("r2full")[0]) / (1 - ref.at("r2")[0]);
+    const double L = (1 + pF - N) / 2 * std::log1p(g) + (N - p - 1) / 2 * std::log(rho * g + 1);
+    expectRel(r.GetLogBayesFactor(), L, 1e-10, "log BF");
+    expectRel(r.GetBayesFactor(), std::exp(L), 1e-10, "BF");
+    EXPECT_FALSE(r.IsLogBayesFactor());
+    EXPECT_FALSE(r.HasPosterior());
+    EXPECT_TRUE(MCMV::IsMissing(r.GetErrorBayesEstimation().GetMean()));
+}
+
+TEST(RegressionFit, SparseAndDenseRowsGiveTheSameFit) {
+    // A factor of 12 categories and one covariate, accumulated both ways.
+    MCMath_850::MCFastDesignMatrix design({0}, {12}, {1}, true);
+    design.SetDepVar(2);
+    std::vector<std::vector<double>> rows;
+    for (int i = 0; i < 60; ++i)
+        rows.push_back({static_cast<double>(i % 12), 100.0 + std::sin(i * 0.7), 5.0 + 0.3 * (i % 12) + std::cos(i)});
+    auto fitWith = [&](bool sparse, std::vector<double>& coeffs, MCMath_850::MCSymMatrix& inverse,
+                       MCMath_850::MCSymMatrix& xtx) {
+        MCMath_850::MCFastDesignMatrix d = design;
+        MCBSN_850::BSNRegrAccumulator acc(d, sparse);
+        for (const auto& row : rows) {
+            const MCCommon_850::Record rec(row.data(), row.size());
+            ASSERT_TRUE(acc.PrepareShifts(rec));
+            ASSERT_TRUE(acc.Add(rec, 1.0 + (row[0] == 3 ? 1.5 : 0.0)));
+        }
+        acc.Finish();
+        std::vector<double> xty;
+        double yty;
+        acc.GetCrossProducts(xtx, xty, yty);
+        ASSERT_TRUE(acc.Sweep(nullptr));
+        coeffs = acc.GetCoefficients();
+        acc.GetInverse(inverse);
+        EXPECT_EQ(acc.GetNonRedundant().Count(), 13);
+        EXPECT_FALSE(acc.GetNonRedundant().IsMember(12));
+    };
+    std::vector<double> bs, bd;
+    MCMath_850::MCSymMatrix is, id, xs, xd;
+    fitWith(true, bs, is, xs);
+    fitWith(false, bd, id, xd);
+    ASSERT_EQ(bs.size(), 14u);
+    for (std::size_t i = 0; i < bs.size(); ++i) EXPECT_NEAR(bs[i], bd[i], 1e-9 * (1 + std::fabs(bd[i])));
+    EXPECT_LT((is.Dense() - id.Dense()).cwiseAbs().maxCoeff(), 1e-9);
+    EXPECT_LT((xs.Dense() - xd.Dense()).cwiseAbs().maxCoeff(), 1e-7);
+    // The unshifted X'X is the plain sum of weighted row products.
+    double x11 = 0.0;
+    for (const auto& row : rows) x11 += (1.0 + (row[0] == 3 ? 1.5 : 0.0)) * row[1] * row[1];
+    EXPECT_NEAR(xd.Get(13, 13), x11, 1e-9 * x11);
+    // And the inverse is a generalised inverse: X'X G X'X = X'X.
+    const Eigen::MatrixXd back = xd.Dense() * id.Dense() * xd.Dense();
+    EXPECT_LT((back - xd.Dense()).cwiseAbs().maxCoeff(), 1e-6 * xd.Dense().cwiseAbs().maxCoeff());
+}
+
+TEST(RegressionFit, DataFarFromZeroKeepsItsPrecision) {
+    // y = 3 x + noise with x around 1e9 and a spread of 0.01: the slope and
+    // R squared must be those of the same data moved to 0.
+    std::vector<std::vector<double>> far(2), near(2);
+    for (int i = 0; i < 200; ++i) {
+        const double dx = 0.01 * std::sin(1.3 * i), e = 0.002 * std::cos(2.1 * i + 0.4);
+        far[0].push_back(1e9 + dx);
+        far[1].push_back(3e9 + 3 * dx + e);
+    }
+    for (int i = 0; i < 200; ++i) {
+        near[0].push_back(far[0][static_cast<std::size_t>(i)] - 1e9);
+        near[1].push_back(far[1][static_cast<std::size_t>(i)] - 3e9);
+    }
+    BSNSettings s;
+    s.SetModelType(BC::Regression, true);
+    s.SetDependVar(1);
+    s.SetCovariates({0});
+    s.SetPriorType(BC::Reference);
+    RegrRun a(s, far, varList(2)), b(s, near, varList(2));
+    ASSERT_TRUE(a.status.IsOK()) << a.status.GetCode();
+    ASSERT_TRUE(b.status.IsOK());
+    EXPECT_EQ(a.result().GetRedundancy(), (std::vector<bool>{false, false}));
+    EXPECT_NEAR(a.result().GetRegrParameters()[1], b.result().GetRegrParameters()[1], 1e-6);
+    EXPECT_NEAR(a.result().GetRSquared(), b.result().GetRSquared(), 1e-9);
+    EXPECT_NEAR(a.result().GetAnova().residualSS, b.result().GetAnova().residualSS,
+                1e-6 * b.result().GetAnova().residualSS);
+    EXPECT_NEAR(a.result().GetVarCoeffBayesEstimations()[1].GetVariance(),
+                b.result().GetVarCoeffBayesEstimations()[1].GetVariance(),
+                1e-6 * b.result().GetVarCoeffBayesEstimations()[1].GetVariance());
+    // The intercept moves with the data: y - 3e9 = b0 + b1 (x - 1e9) gives
+    // the intercept b0 + 3e9 - 1e9 b1 on the original scale.
+    const double b1 = a.result().GetRegrParameters()[1];
+    EXPECT_NEAR(a.result().GetRegrParameters()[0], b.result().GetRegrParameters()[0] + 3e9 - 1e9 * b1, 1e-3);
+}
+
+TEST(RegressionFit, ErrorsBeforeAndAfterThePass) {
+    std::vector<std::vector<double>> cols = {{1, 2, 3, 4, 5}, {2, 2, 2, 2, 2}, {0, 1, 0, 1, 0}};
+    auto settings = [] {
+        BSNSettings s;
+        s.SetModelType(BC::Regression, true);
+        s.SetDependVar(0);
+        s.SetCovariates({1});
+        s.SetPriorType(BC::Reference);
+        return s;
+    };
+    struct Case {
+        const char* what;
+        std::function<void(BSNSettings&, MCXML_850::MCVarList&)> setup;
+        int code;
+    };
+    const std::vector<Case> cases = {
+        {"dependent stored constant", [](BSNSettings&, MCXML_850::MCVarList& v) { v.Get(0).SetRange(3, 3); }, 410011},
+        {"dependent nominal", [](BSNSettings&, MCXML_850::MCVarList& v) { v.Get(0) = MCXML_850::MCContVar("y", MCXML_850::MCVarKind::Nominal); }, 410001},
+        {"covariate stored constant", [](BSNSettings&, MCXML_850::MCVarList& v) { v.Get(1).SetRange(2, 2); }, 410012},
+        {"one-category factor only",
+         [](BSNSettings& s, MCXML_850::MCVarList& v) {
+             v.Get(1).SetRange(2, 2);
+             s.SetFactors({2});
+             s.SetFactorNCategs({1});
+         },
+         410012},
+        {"covariate constant in the data (after the pass)", [](BSNSettings&, MCXML_850::MCVarList&) {}, 410012},
+        {"two categories, a usable predictor",
+         [](BSNSettings& s, MCXML_850::MCVarList&) {
+             s.SetCovariates({});
+             s.SetFactors({2});
+             s.SetFactorNCategs({2});
+         },
+         0},
+    };
+    for (const auto& c : cases) {
+        BSNSettings s = settings();
+        MCXML_850::MCVarList v = varList(3, {2});
+        c.setup(s, v);
+        RegrRun run(s, cols, v);
+        EXPECT_EQ(run.status.GetCode(), c.code) << c.what;
+        EXPECT_EQ(run.hasResult(), c.code == 0) << c.what;
+    }
+}
+
+TEST(RegressionFit, ParameterLimits) {
+    // 4999 parameters pass the check (and meet the empty data); 5000 do not.
+    for (int size : {4997, 4998}) {
+        BSNSettings s;
+        s.SetModelType(BC::Regression, true);
+        s.SetDependVar(0);
+        s.SetFactors({1});
+        s.SetFactorNCategs({size});
+        s.SetCovariates({2});
+        RegrRun run(s, {{}, {}, {}}, varList(3, {1}));
+        EXPECT_EQ(run.status.GetCode(), size == 4997 ? 410003 : 410057) << size;
+    }
+    // The full model's limit counts categories and covariates: 5000 drops the
+    // Bayes factor with 410058, 4999 does not.
+    for (int size : {4998, 4999}) {
+        BSNSettings s;
+        s.SetModelType(BC::Regression, true);
+        s.SetDependVar(0);
+        s.SetCovariates({2});
+        s.SetAnalysType(BC::BayesFactor);
+        s.SetCompareType(BC::CompareFull);
+        s.SetFullModFactors({1});
+        s.SetFullModFactorNCategs({size});
+        s.SetFullModCovariates({2});
+        RegrRun run(s, {{}, {}, {}}, varList(3, {1}));
+        EXPECT_EQ(run.count(410058), size == 4999 ? 1 : 0) << size;
+    }
+}
+
+TEST(RegressionFit, PerfectFitAndFewCases) {
+    // y = 2x + 1 exactly: a perfect fit keeps its factor only under Zellner
+    // with the null comparison.
+    std::vector<std::vector<double>> cols = {{0, 1, 2, 3, 4, 5}, {1, 3, 5, 7, 9, 11}};
+    for (auto method : {BC::Siow, BC::Zellner, BC::Hyper}) {
+        BSNSettings s;
+        s.SetModelType(BC::Regression, true);
+        s.SetDependVar(1);
+        s.SetCovariates({0});
+        s.SetAnalysType(BC::BayesFactor);
+        s.SetRegrCompType(method);
+        s.SetRegrComPar(method == BC::Zellner ? 6.0 : 3.0);
+        RegrRun run(s, cols, varList(2));
+        ASSERT_TRUE(run.status.IsOK());
+        EXPECT_EQ(run.count(410014), method == BC::Zellner ? 0 : 1);
+        EXPECT_EQ(MCMV::IsMissing(run.result().GetBayesFactor()), method != BC::Zellner);
+        EXPECT_FALSE(run.result().IsLogBayesFactor());
+    }
+    // Fewer cases than parameters: k falls to N, residual df 0, no mean
+    // square and no F.
+    BSNSettings s;
+    s.SetModelType(BC::Regression, true);
+    s.SetDependVar(0);
+    s.SetCovariates({1, 2, 3});
+    s.SetPriorType(BC::Reference);
+    RegrRun few(s, {{1, 4, 2}, {0, 1, 3}, {5, 2, 2}, {1, 1, 7}}, varList(4));
+    ASSERT_TRUE(few.status.IsOK()) << few.status.GetCode();
+    const auto& a = few.result().GetAnova();
+    EXPECT_EQ(a.residualDF, 0.0);
+    EXPECT_EQ(a.regressionDF, 2.0);
+    EXPECT_TRUE(MCMV::IsMissing(a.residualMS));
+    EXPECT_TRUE(MCMV::IsMissing(a.f));
+    EXPECT_EQ(few.count(410024), 1);
+}
+
+TEST(RegressionFit, FTestWarnings) {
+    struct Case {
+        std::vector<int> predictors;
+        bool intercept;
+        std::vector<double> values;
+        int warning;
+    };
+    // Predictors: factor v3 (3 categories, the last redundant), covariates v1, v2.
+    const std::vector<Case> cases = {
+        {{1}, false, {0.5, 0.1}, 410043},  // two values for one parameter
+        {{3}, false, {0, 0}, 410043},      // a factor needs one value per category
+        {{4}, false, {0}, 410044},         // v4 is not in the model
+        {{}, false, {}, 410048},           // no rows at all
+        {{3}, false, {0, 0, 0}, 0},        // the redundant row is dropped
+        {{2}, true, {1, 0}, 0},
+    };
+    for (const auto& c : cases) {
+        BSNSettings s = smallSettings();
+        s.SetPriorType(BC::Reference);
+        MCBSN_850::BayesFTest t;
+        t.SetPredictors(c.predictors);
+        t.SetUseIntercept(c.intercept);
+        t.SetTestValues(c.values);
+        s.SetFTests({t});
+        RegrRun run(s, readColumns("regr_small.csv"), varList(7, {3, 4}));
+        ASSERT_TRUE(run.status.IsOK());
+        const auto& f = run.result().GetFTestResults()[0];
+        for (int code : {410043, 410044, 410048}) EXPECT_EQ(run.count(code), code == c.warning ? 1 : 0) << code;
+        EXPECT_EQ(MCMV::IsMissing(f.GetWald()), c.warning != 0);
+        if (c.warning == 0) {
+            EXPECT_EQ(f.GetDF(), 2.0);
+        }
+    }
+}
