@@ -31,7 +31,9 @@ const char* const kExample = R"(EXAMPLE
   bsn run examples/normal.json examples/normal.csv --report normal.html
 
   More examples: examples/poisson.*, examples/normal.*, examples/related.*,
-  examples/regression.*, examples/anova.*, examples/independent.*
+  examples/regression.*, examples/anova.*, examples/independent.*,
+  examples/correlation.* (every pair of five variables, on all cores),
+  examples/loglinear.*
 )";
 
 const char* const kRegressionRules = R"(REGRESSION AND ANOVA (model types 4 and 5)
@@ -67,7 +69,6 @@ const char* const kRegressionRules = R"(REGRESSION AND ANOVA (model types 4 and 
   - PlotFactors (with PlotFactorCats, at most MaxNPlotCategories each) and
     PlotCovars choose the coefficients plotted (at most MaxNPlots); sigma^2
     and the prediction are always plotted.
-  examples/loglinear.*
 )";
 
 const char* const kSettingsRules = R"(SETTINGS FILE
@@ -99,6 +100,14 @@ const char* const kSettingsRules = R"(SETTINGS FILE
     or EqualDataVar true (one variance; PriorDistType InverseChiSquare with
     PriorDistParam1 = df and PriorDistParam2 = scale, else 1/sigma^2), or
     unequal variances (the exact Behrens-Fisher posterior).
+    Covariates, related samples pair Covariates[i] with 2ndRelatedList[i],
+    correlation takes every pair of the Covariates.
+  - Correlation runs its pairs on worker threads: --threads N (default every
+    core) sets MaxThreadNum unless the file gives it; NPairsPerTask pairs
+    make one task. Bayes factors are the same however the pairs are split;
+    every task starts the random draws afresh, so posteriors are the same
+    for any thread count above 1 but change with NPairsPerTask, and one
+    thread (or no more pairs than one task holds) runs a single task.
   - A log-linear analysis (ModelType LogLinear) reads Factors = [row
     factor, column factor]. A record with a missing factor value or weight
     is left out; one whose weight is negative is left out with a warning.
@@ -205,8 +214,14 @@ const char* const kOutput = R"(OUTPUT
   Files are written whole or not at all (through a temporary file that is
   then renamed).
 
-  On a terminal a progress line is shown on stderr; Ctrl-C cancels the
-  analysis (a second Ctrl-C ends bsn at once).
+  Correlation tables have one row per pair of variables (both names, r, N,
+  Bayes factor and its log, posterior summaries); its JSON pairs are
+  [[i, j], ...] of column positions, and --plots draws the first MaxNPlots
+  pairs.
+
+  On a terminal a progress line is shown on stderr (records, then pairs of
+  a correlation); Ctrl-C cancels the analysis (a second Ctrl-C ends bsn at
+  once).
 )";
 
 const char* const kExitCodes = R"(EXIT CODES

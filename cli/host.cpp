@@ -10,6 +10,7 @@
 #include <limits>
 #include <memory>
 #include <sstream>
+#include <thread>
 
 #include <CLI/CLI.hpp>
 #include <fmt/format.h>
@@ -25,6 +26,7 @@
 #include "cli/svgplot.h"
 #include "platform/common/mcmessages.h"
 #include "platform/records/csvrecorditer.h"
+#include "platform/threads/mcthreadpoolfactory.h"
 
 namespace bsncli {
 
@@ -185,7 +187,17 @@ public:
     ~TerminalProgress() override {
         if (m_shown) m_err << "\r\033[K" << std::flush;
     }
+    // The pairs of a correlation analysis, counted after its data pass.
+    void SetTotalPairs(long long total) { m_totalPairs = total; }
     void Notify(const MCCommon_850::ProgressReport& report) override {
+        if (const int pairs = report.DiscreteMeasure("pairs"); pairs >= 0) {
+            const auto now = std::chrono::steady_clock::now();
+            if (m_shown && now - m_lastShown < std::chrono::milliseconds(100)) return;
+            m_lastShown = now;
+            m_shown = true;
+            m_err << fmt::format("\r\033[Kbsn: {} of {} pairs (Ctrl-C cancels)", pairs, m_totalPairs) << std::flush;
+            return;
+        }
         const int n = report.DiscreteMeasure("records");
         if (n < 0) return;
         if (n < m_last) ++m_pass;  // the count starts again with every pass
@@ -200,6 +212,7 @@ public:
 private:
     std::ostream& m_err;
     long long m_total;
+    long long m_totalPairs = 0;
     int m_last = 0;
     int m_pass = 1;
     bool m_shown = false;
@@ -261,6 +274,16 @@ std::string datumVariable(const BSNSettings& s, const DataInfo& data, int datum)
         const std::string first = at(s.GetCovariates()), second = at(s.Get2ndRelatedList());
         return first.empty() ? first : first + " - " + second;
     }
+    if (s.GetModelType() == C::Correlation) {
+        // Pairs are numbered row by row: (0,1), (0,2), ..., (1,2), ...
+        const std::vector<int>& v = s.GetCovariates();
+        long long rest = datum;
+        for (std::size_t i = 0; i + 1 < v.size(); ++i) {
+            const long long row = static_cast<long long>(v.size() - 1 - i);
+            if (rest < row) return data.Name(v[i]) + " with " + data.Name(v[i + 1 + static_cast<std::size_t>(rest)]);
+            rest -= row;
+        }
+    }
     return {};
 }
 
@@ -275,7 +298,8 @@ std::vector<std::string> warningLines(const Outcome& outcome, std::size_t nValid
         if (w.HasDiscreteDatum(0)) {
             const int datum = w.GetDiscreteDatum(0);
             const std::string name = i >= nValidationWarnings ? datumVariable(settings, data, datum) : "";
-            where = name.empty() ? fmt::format(" [datum {}]", datum) : fmt::format(" [variable {}]", name);
+            const char* what = settings.GetModelType() == C::Correlation ? "pair" : "variable";
+            where = name.empty() ? fmt::format(" [datum {}]", datum) : fmt::format(" [{} {}]", what, name);
         }
         lines.push_back(fmt::format("{}  {}{}", w.GetCode(), StatusMessage(w.GetCode()), where));
     }
@@ -334,6 +358,9 @@ struct Inputs {
     DataInfo data;
     std::unique_ptr<MCCommon_850::CsvRecordIter> iter;
     long long nRecords = 0;
+    bool maxThreadsGiven = false;
+    // Lent to the analysis through the settings; lives as long as they do.
+    std::unique_ptr<MCThread_850::MCThreadPoolFactory> threads;
 };
 
 Inputs loadInputs(const RunOptions& options, std::ostream& err) {
@@ -344,6 +371,7 @@ Inputs loadInputs(const RunOptions& options, std::ostream& err) {
     std::vector<std::string> given;
     in.settings = SettingsFromJson(settingsJson, columns, &given);
     requireProcedure(in.settings);
+    in.maxThreadsGiven = std::find(given.begin(), given.end(), "MaxThreadNum") != given.end();
 
     const std::vector<int> nominal = NominalColumns(in.settings);
     in.iter = std::make_unique<MCCommon_850::CsvRecordIter>(options.dataPath, UsedColumns(in.settings), nominal);
@@ -365,6 +393,14 @@ Inputs loadInputs(const RunOptions& options, std::ostream& err) {
 // Builds the model on checked settings, with cancellation by Ctrl-C (unless
 // the caller brings its own cancel query) and progress on a terminal.
 void buildModel(const RunOptions& options, Inputs& in, std::ostream& err, Outcome& outcome) {
+    // Worker threads: --threads (default every core), unless the settings
+    // file says MaxThreadNum itself.
+    if (!in.maxThreadsGiven) {
+        const int cores = static_cast<int>(std::thread::hardware_concurrency());
+        in.settings.SetMaxThreadNum(options.threads > 0 ? options.threads : std::max(1, cores));
+    }
+    in.threads = std::make_unique<MCThread_850::MCThreadPoolFactory>();
+    in.settings.SetThreadFactory(in.threads.get());
     BSNComponent component(in.settings, in.data.varList);
     MCCommon_850::MCAtomicCancel ownCancel;
     std::unique_ptr<InterruptGuard> interrupt;
@@ -373,6 +409,10 @@ void buildModel(const RunOptions& options, Inputs& in, std::ostream& err, Outcom
     std::unique_ptr<TerminalProgress> progress;
     if (options.progress) {
         progress = std::make_unique<TerminalProgress>(err, in.nRecords);
+        if (in.settings.GetModelType() == C::Correlation) {
+            const auto k = static_cast<long long>(in.settings.GetCovariates().size());
+            progress->SetTotalPairs(k * (k - 1) / 2);
+        }
         component.SetProgressListener(progress.get());
     }
     component.BuildModel(*in.iter);
@@ -475,6 +515,10 @@ int Main(int argc, const char* const* argv, std::ostream& out, std::ostream& err
                      "Write one self-contained HTML page (settings, status, warnings, every table and plot) to FILE")
         ->type_name("FILE");
     run->add_flag("-q,--quiet", options.quiet, "No tables; only warnings and status");
+    run->add_option("--threads", options.threads, "Worker threads for the pairs of a correlation analysis (default: "
+                                                  "every core); MaxThreadNum in SETTINGS takes precedence")
+        ->type_name("N")
+        ->check(CLI::PositiveNumber);
     run->footer(RunHelpFooter());
     try {
         app.parse(argc, argv);

@@ -26,6 +26,7 @@ struct RunOptions {
     std::string reportPath; // empty: no HTML report
     bool quiet = false;     // no tables
     bool progress = false;  // progress line on the error stream
+    int threads = 0;        // worker threads (correlation); 0: every core
     // The cancel query handed to the analysis; null makes the host use its
     // own, set by Ctrl-C.
     MCCommon_850::MCQueryCancel* cancel = nullptr;

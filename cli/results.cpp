@@ -15,6 +15,8 @@ bool DescribeResult(const MCBSN_850::BSNOutputStats& result, const DataInfo& dat
         return DescribeRelated(result, data, view);
     case MCBSN_850::BSNConst::Output2SampleIndependent:
         return DescribeIndependent(result, data, view);
+    case MCBSN_850::BSNConst::OutputCorrelation:
+        return DescribeCorrelation(result, data, view);
     case MCBSN_850::BSNConst::OutputRegression:
     case MCBSN_850::BSNConst::OutputAnova:
         return DescribeRegression(result, data, view);

@@ -10,6 +10,7 @@ bool DescribePoisson(const MCBSN_850::BSNOutputStats& result, const DataInfo& da
 bool DescribeNormal(const MCBSN_850::BSNOutputStats& result, const DataInfo& data, ResultView& view);
 bool DescribeRelated(const MCBSN_850::BSNOutputStats& result, const DataInfo& data, ResultView& view);
 bool DescribeIndependent(const MCBSN_850::BSNOutputStats& result, const DataInfo& data, ResultView& view);
+bool DescribeCorrelation(const MCBSN_850::BSNOutputStats& result, const DataInfo& data, ResultView& view);
 // Regression and one-way ANOVA share one result class.
 bool DescribeRegression(const MCBSN_850::BSNOutputStats& result, const DataInfo& data, ResultView& view);
 bool DescribeLogLinear(const MCBSN_850::BSNOutputStats& result, const DataInfo& data, ResultView& view);

@@ -1,6 +1,7 @@
 #!/usr/bin/env bash
 # Installs what is needed, builds bsn and runs the whole test suite: once in
-# an optimised build, once under AddressSanitizer and UndefinedBehaviorSanitizer.
+# an optimised build, once under AddressSanitizer and UndefinedBehaviorSanitizer;
+# then the tests that run on threads under ThreadSanitizer.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 scripts/setup.sh
@@ -24,3 +25,10 @@ export ASAN_OPTIONS=detect_leaks=1:abort_on_error=1
 export UBSAN_OPTIONS=print_stacktrace=1:halt_on_error=1
 scripts/build.sh build-asan -DBSN_SANITIZE=ON -DBSN_BENCH=OFF
 (cd build-asan && ctest --output-on-failure -j "$jobs")
+
+# ThreadSanitizer: only the test binary, and only the tests that use threads.
+cmake -S . -B build-tsan -G Ninja -DCMAKE_BUILD_TYPE=RelWithDebInfo -DBSN_TSAN=ON -DBSN_BENCH=OFF \
+  > build-tsan.configure.log 2>&1 || { cat build-tsan.configure.log; exit 1; }
+ninja -C build-tsan bsn_tests
+TSAN_OPTIONS=halt_on_error=1:second_deadlock_stack=1 \
+  build-tsan/bsn_tests --gtest_filter='ThreadPool.*:CorrelationThreads.*:CorrelationHost.*'

@@ -2,6 +2,7 @@
 
 #include <ostream>
 
+#include "bsn/correlation/bsnpearsoncorrelation.h"
 #include "bsn/loglinear/bsnloglinear.h"
 #include "bsn/onesample/bsn1samplebinomial.h"
 #include "bsn/onesample/bsn1samplenormal.h"
@@ -32,6 +33,8 @@ std::unique_ptr<BSNAlgorithm> createProcedure(const BSNSettings& settings, const
         return std::make_unique<BSN2SampleRelated>(settings, varList);
     case BSNConst::Independent:
         return std::make_unique<BSN2SampleIndependent>(settings, varList);
+    case BSNConst::Correlation:
+        return std::make_unique<BSNPearsonCorrelation>(settings, varList);
     case BSNConst::Regression:
         return std::make_unique<BSNMultipleRegr>(settings, varList);
     case BSNConst::Anova:

@@ -11,6 +11,14 @@ bool PlatformMessage(int code, std::string& text) {
         text = "Warning: the credible limits of a mean difference may be inaccurate: the numerical integration of "
                "their distribution did not reach its tolerance";
         return true;
+    case 420010:
+        text = "Warning: the JZS Bayes factor integral, cut at g = 1e6, leaves out more than 1e-6 of the "
+               "integrand's mass for some pairs; their factors differ from the factor over the whole range";
+        return true;
+    case 420011:
+        text = "Warning: the JZS Bayes factor integral, cut at g = 1e6, leaves out more than 1% of the "
+               "integrand's mass for some pairs; their factors are far from the factor over the whole range";
+        return true;
     case 420040:
         text = "Warning: records with a factor code outside the declared categories or a negative weight "
                "were left out of the table";

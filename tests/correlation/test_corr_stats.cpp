@@ -1,0 +1,144 @@
+// The pair statistics of the correlation procedure: pair order, r and N
+// under pairwise and listwise deletion against R's cor() on the data
+// expanded by rounded weights (0, 0.49, 0.5, 1.5, 2.4 and missing), the
+// pass's warnings and errors, and the progress it reports.
+#include <cmath>
+#include <vector>
+
+#include "tests/correlation/corrtestsupport.h"
+
+using namespace corrtest;
+
+namespace {
+
+// Columns x1..x6 and w of tests/data/correlation_data.csv.
+std::vector<std::vector<double>> referenceColumns() {
+    const auto rows = readCsv("correlation_data.csv");
+    std::vector<std::vector<double>> cols(7);
+    for (std::size_t i = 0; i < rows.size(); ++i)
+        for (std::size_t c = 0; c < 7; ++c) cols[c].push_back(number(c < rows[i].size() ? rows[i][c] : ""));
+    return cols;
+}
+
+class Reports : public MCCommon_850::ProgressListener {
+public:
+    void Notify(const MCCommon_850::ProgressReport& r) override {
+        records.push_back(r.DiscreteMeasure("records"));
+        pairs.push_back(r.DiscreteMeasure("pairs"));
+        EXPECT_EQ(r.DiscreteMeasure("other"), -1);
+    }
+    std::vector<int> records, pairs;
+};
+
+} // namespace
+
+TEST(CorrelationStats, PairwiseAndListwiseMatchR) {
+    const auto cols = referenceColumns();
+    ASSERT_EQ(cols[0].size(), 60u);
+    const auto expected = readCsv("correlation_r.csv");
+    for (BC::MissScope scope : {BC::MissingAnalysis, BC::MissingListwise}) {
+        SCOPED_TRACE(scope);
+        BSNSettings s = corrSettings({0, 1, 2, 3, 4, 5}, BC::BayesFactor);
+        s.SetFrequencyWeightVar(6);
+        s.SetMissScope(scope);
+        for (int block : {0, 1, 4}) {
+            CorrRun run(s, cols, block);
+            ASSERT_TRUE(run.status.IsOK()) << run.status.GetCode();
+            const auto& o = run.out();
+            ASSERT_EQ(o.GetPearsonCorrelation().size(), 15u);
+            int checked = 0;
+            for (const auto& e : expected) {
+                if ((e[0] == "listwise") != (scope == BC::MissingListwise)) continue;
+                const int a = std::stoi(e[1]), b = std::stoi(e[2]);
+                const int p = a * 6 - a * (a + 1) / 2 + (b - a - 1);  // pair order: i outer, j inner
+                EXPECT_EQ(o.GetVarPairIndices()[p], (std::pair<int, int>{a, b}));
+                EXPECT_NEAR(o.GetPearsonCorrelation()[p], std::stod(e[3]), 1e-12) << a << "," << b;
+                EXPECT_EQ(o.GetVarPairN()[p], std::stod(e[4])) << a << "," << b;
+                ++checked;
+            }
+            EXPECT_EQ(checked, 15);
+        }
+    }
+}
+
+TEST(CorrelationStats, PairOrderFollowsTheVariableList) {
+    const std::vector<double> a = {1, 2, 3, 4, 5, 6}, b = {2, 1, 4, 3, 6, 5}, c = {5, 3, 4, 1, 2, 0};
+    CorrRun run(corrSettings({2, 0, 1}, BC::BayesFactor), {a, b, c});
+    CorrRun ab(corrSettings({0, 2}, BC::BayesFactor), {a, b, c});
+    EXPECT_EQ(run.out().GetVarPairIndices(), (std::vector<std::pair<int, int>>{{2, 0}, {2, 1}, {0, 1}}));
+    EXPECT_DOUBLE_EQ(run.out().GetPearsonCorrelation()[0], ab.out().GetPearsonCorrelation()[0]);
+}
+
+TEST(CorrelationStats, WarningsOncePerAnalysisNamingTheFirstPair) {
+    const std::vector<double> x = {1, 2, 3, 4, 5};
+    const std::vector<double> constant = {4, 4, 4, 4, 4};
+    const std::vector<double> twice = {2, 4, 6, 8, 10};                 // exactly proportional to x
+    const std::vector<double> lone = {kMiss, kMiss, 1.5, kMiss, kMiss};  // one case with anything
+    const std::vector<double> none = {kMiss, kMiss, kMiss, kMiss, kMiss};
+    CorrRun run(corrSettings({0, 1, 2, 3, 4}), {x, constant, twice, lone, none});
+    ASSERT_TRUE(run.status.IsOK()) << run.status.GetCode();
+    EXPECT_TRUE(run.procedure.IsModelBuilt());
+    // Pairs: 0 (x,c) 1 (x,twice) 2 (x,lone) 3 (x,none) 4 (c,twice) 5 (c,lone)
+    //        6 (c,none) 7 (twice,lone) 8 (twice,none) 9 (lone,none)
+    const std::vector<int> codes = run.codes();
+    EXPECT_EQ(std::vector<int>(codes.begin(), codes.begin() + 3), (std::vector<int>{410006, 410008, 410009}));
+    EXPECT_EQ(run.warning(410006).GetDiscreteDatum(0), 2);
+    EXPECT_EQ(run.warning(410008).GetDiscreteDatum(0), 0);
+    const auto perfect = run.warning(410009);
+    EXPECT_EQ(perfect.GetDiscreteDatum(0), 1);
+    EXPECT_EQ(perfect.GetDiscreteDatum(1), 0);
+    EXPECT_EQ(perfect.GetDiscreteDatum(2), 2);
+    const auto& o = run.out();
+    EXPECT_EQ(o.GetPearsonCorrelation()[1], 1.0);
+    EXPECT_EQ(o.GetVarPairN(), (std::vector<double>{5, 5, 1, 0, 5, 1, 0, 1, 0, 0}));
+    EXPECT_EQ(o.GetVarN(), (std::vector<double>{5, 5, 5, 1, 0}));
+    // No correlation, factor or posterior for any pair but none valid here.
+    for (std::size_t p = 0; p < 10; ++p) {
+        EXPECT_TRUE(MCMV::IsMissing(o.GetPearsonCorrelation()[p]) || p == 1) << p;
+        EXPECT_TRUE(MCMV::IsMissing(o.GetBayesFactor()[p])) << p;
+        EXPECT_TRUE(MCMV::IsMissing(o.GetPosteriorMean()[p])) << p;
+    }
+    expectAllFinite(o);
+}
+
+TEST(CorrelationStats, ErrorsAndCancellationInThePass) {
+    const std::vector<double> x = {1, 2, 3}, y = {3, 1, 2};
+    CorrRun one(corrSettings({0}), {x, y});
+    EXPECT_EQ(one.status.GetCode(), 410004);
+    EXPECT_TRUE(one.status.IsError());
+    EXPECT_FALSE(one.procedure.IsModelBuilt());
+    EXPECT_EQ(one.procedure.GetOutputStats(), nullptr);
+
+    CorrRun empty(corrSettings({0, 1}), {{}, {}});
+    EXPECT_EQ(empty.status.GetCode(), 410003);
+    EXPECT_EQ(empty.procedure.GetOutputStats(), nullptr);
+
+    MCCommon_850::MCAtomicCancel cancel;
+    cancel.Cancel();
+    BSNSettings s = corrSettings({0, 1});
+    s.SetCancelPointer(&cancel);
+    CorrRun cancelled(s, {x, y});
+    EXPECT_EQ(cancelled.status.GetCode(), 1);
+    EXPECT_TRUE(cancelled.status.IsError());
+    EXPECT_EQ(cancelled.procedure.GetOutputStats(), nullptr);
+}
+
+TEST(CorrelationStats, ProgressCountsRecordsThenPairs) {
+    std::vector<std::vector<double>> cols(4);
+    for (int i = 0; i < 23; ++i)
+        for (int v = 0; v < 4; ++v) cols[v].push_back(std::sin(i * (v + 1.3)));
+    Reports reports;
+    BSNSettings s = corrSettings({0, 1, 2, 3});
+    s.SetProgressFrequency(5);
+    s.SetProgressListener(&reports);
+    CorrRun run(s, cols);
+    ASSERT_TRUE(run.status.IsOK());
+    // The pass: every 5 records and once at its end, pairs not yet known.
+    ASSERT_GE(reports.records.size(), 5u);
+    EXPECT_EQ(std::vector<int>(reports.records.begin(), reports.records.begin() + 5), (std::vector<int>{5, 10, 15, 20, 23}));
+    EXPECT_EQ(std::vector<int>(reports.pairs.begin(), reports.pairs.begin() + 5), (std::vector<int>(5, -1)));
+    // Then the pairs (6 pairs, two stages each), ending at all of them.
+    EXPECT_EQ(reports.pairs.back(), 6);
+    EXPECT_EQ(reports.records.back(), 23);
+    for (std::size_t i = 6; i < reports.pairs.size(); ++i) EXPECT_GE(reports.pairs[i], reports.pairs[i - 1]);
+}

@@ -1,0 +1,184 @@
+// The correlation procedure on worker threads: task splits (serial at
+// P = K, two tasks at P = K + 1), Bayes factors bit-identical for any thread
+// count and any split, posteriors identical for the same split, warnings
+// the same whatever the split, and cancellation leaving unreached pairs
+// missing. These tests also run under ThreadSanitizer.
+#include <cmath>
+#include <random>
+#include <vector>
+
+#include "platform/threads/mcthreadpoolfactory.h"
+#include "tests/correlation/corrtestsupport.h"
+
+using namespace corrtest;
+using MCBSN_850::BSNCorrTask;
+
+namespace {
+
+// Twelve variables (66 pairs) over 60 records with a few missing values;
+// variable 11 is constant, so its pairs have no factor.
+std::vector<std::vector<double>> data() {
+    std::mt19937 gen(5);
+    std::normal_distribution<double> z(0.0, 1.0);
+    std::vector<std::vector<double>> cols(12, std::vector<double>(60));
+    for (int i = 0; i < 60; ++i) {
+        const double common = z(gen);
+        for (int v = 0; v < 11; ++v) cols[v][i] = (v % 3) * common + z(gen) + (i % 17 == v ? kMiss : 0.0);
+        cols[11][i] = 2.5;
+    }
+    return cols;
+}
+
+std::vector<int> all() {
+    std::vector<int> v(12);
+    for (int i = 0; i < 12; ++i) v[i] = i;
+    return v;
+}
+
+struct Threaded {
+    Threaded(BSNSettings s, int threads, int perTask, const std::vector<std::vector<double>>& cols) {
+        s.SetThreadFactory(&factory);
+        s.SetMaxThreadNum(threads);
+        s.SetNPairsPerTask(perTask);
+        run = std::make_unique<CorrRun>(s, cols);
+    }
+    MCThread_850::MCThreadPoolFactory factory;
+    std::unique_ptr<CorrRun> run;
+};
+
+BSNSettings both(BC::EstBFTypes type) {
+    BSNSettings s = corrSettings(all(), BC::Both);
+    s.SetEstBFType(type);
+    s.SetMCSamples(300);
+    s.SetPosteriorSamples(400);
+    s.SetMaxNPlots(5);
+    s.SetNPlotPoints(7);
+    return s;
+}
+
+// Counts reports and raises the cancel flag once `at` pairs are done.
+class CancelAtPairs : public MCCommon_850::ProgressListener {
+public:
+    CancelAtPairs(MCCommon_850::MCAtomicCancel& cancel, int at) : m_cancel(cancel), m_at(at) {}
+    void Notify(const MCCommon_850::ProgressReport& r) override {
+        if (r.DiscreteMeasure("pairs") >= m_at) m_cancel.Cancel();
+    }
+
+private:
+    MCCommon_850::MCAtomicCancel& m_cancel;
+    int m_at;
+};
+
+} // namespace
+
+TEST(CorrelationThreads, FactorsIdenticalForAnyThreadCountAndSplit) {
+    const auto cols = data();
+    for (BC::EstBFTypes type : {BC::JZS, BC::Fraction}) {
+        SCOPED_TRACE(type);
+        const BSNSettings s = both(type);
+        CorrRun serial(s, cols);
+        ASSERT_TRUE(serial.status.IsOK());
+        EXPECT_EQ(serial.procedure.GetNTasks(), 1);
+        EXPECT_EQ(serial.procedure.GetNThreads(), 0);
+        const auto& ref = serial.out();
+        // 66 pairs: 65 a task makes two tasks, 66 one task on the calling
+        // thread, as does a single thread allowed.
+        for (const auto& [threads, perTask] :
+             std::vector<std::pair<int, int>>{{2, 1}, {2, 7}, {8, 7}, {8, 50}, {8, 65}, {8, 66}, {1, 7}}) {
+            SCOPED_TRACE(testing::Message() << threads << " threads, " << perTask << " pairs a task");
+            Threaded t(s, threads, perTask, cols);
+            ASSERT_TRUE(t.run->status.IsOK());
+            const int tasks = threads == 1 ? 1 : (66 + perTask - 1) / perTask;
+            EXPECT_EQ(t.run->procedure.GetNTasks(), tasks);
+            EXPECT_EQ(t.run->procedure.GetNThreads(), tasks == 1 ? 0 : std::min(threads, tasks));
+            EXPECT_EQ(t.factory.GetNLiveExecutors(), 0);
+            const auto& o = t.run->out();
+            EXPECT_EQ(o.GetBayesFactor(), ref.GetBayesFactor());
+            EXPECT_EQ(o.GetLogBayesFactors(), ref.GetLogBayesFactors());
+            EXPECT_EQ(o.GetIsLogBayesFactor(), ref.GetIsLogBayesFactor());
+            EXPECT_EQ(o.GetIndIntegralFailed(), ref.GetIndIntegralFailed());
+            EXPECT_EQ(t.run->codes(), serial.codes());
+            // The first task's pairs draw what the single task drew; the
+            // next task starts the generator afresh, so its first pair
+            // draws differently.
+            const int split = tasks == 1 ? 66 : perTask;
+            for (int p = 0; p < split; ++p) EXPECT_EQ(o.GetPosteriorMean()[p], ref.GetPosteriorMean()[p]) << p;
+            if (split < 66 && !MCMV::IsMissing(ref.GetPosteriorMean()[split])) {
+                EXPECT_NE(o.GetPosteriorMean()[split], ref.GetPosteriorMean()[split]);
+            }
+            EXPECT_EQ(o.GetPlotPosterior().size(), 5u);
+        }
+        // The same split gives the same posteriors whatever the threads.
+        Threaded two(s, 2, 7, cols), eight(s, 8, 7, cols);
+        const auto& a = two.run->out();
+        const auto& b = eight.run->out();
+        EXPECT_EQ(a.GetPosteriorMode(), b.GetPosteriorMode());
+        EXPECT_EQ(a.GetPosteriorMean(), b.GetPosteriorMean());
+        EXPECT_EQ(a.GetPosteriorVariance(), b.GetPosteriorVariance());
+        EXPECT_EQ(a.GetPosteriorLowerBound(), b.GetPosteriorLowerBound());
+        EXPECT_EQ(a.GetPosteriorUpperBound(), b.GetPosteriorUpperBound());
+        EXPECT_EQ(a.GetPlotPosterior(), b.GetPlotPosterior());
+    }
+}
+
+TEST(CorrelationThreads, CancellationLeavesUnreachedPairsMissing) {
+    // On the calling thread: pairs report as they finish, and the flag
+    // raised after the fifth stops the task before the sixth.
+    const auto cols = data();
+    {
+        MCCommon_850::MCAtomicCancel cancel;
+        CancelAtPairs listener(cancel, 5);
+        BSNSettings s = corrSettings(all(), BC::BayesFactor);
+        s.SetProgressFrequency(1);
+        s.SetProgressListener(&listener);
+        s.SetCancelPointer(&cancel);
+        CorrRun run(s, cols);
+        EXPECT_EQ(run.status.GetCode(), 1);
+        EXPECT_TRUE(run.status.IsError());
+        EXPECT_EQ(run.procedure.GetOutputStats(), nullptr);
+        const auto& bf = run.procedure.GetBayesFactors();
+        for (int p = 0; p < 66; ++p) EXPECT_EQ(MCMV::IsMissing(bf[p]), p >= 5) << p;
+    }
+    // A task alone: the posterior stops too, whatever stage it is in.
+    {
+        TaskRig rig({0.1, 0.2, 0.3, 0.4}, {20, 20, 20, 20});
+        MCCommon_850::MCAtomicCancel cancel;
+        rig.cancel.SetCancelPtr(&cancel);
+        CancelAtPairs listener(cancel, 2);
+        BSNSettings s = corrSettings({0, 1}, BC::Posterior);
+        s.SetProgressFrequency(1);
+        auto task = rig.task(s, 0, 4, 1, &listener);
+        std::atomic<long> steps{0};
+        task->SetProgress(&steps, 1, 0);
+        EXPECT_TRUE(task->RunTask());
+        EXPECT_EQ(task->GetStatus().GetCode(), 1);
+        EXPECT_FALSE(MCMV::IsMissing(rig.mean[1]));
+        EXPECT_TRUE(MCMV::IsMissing(rig.mean[2]));
+        EXPECT_TRUE(MCMV::IsMissing(rig.mode[3]));
+    }
+    // On two threads, with pairs slow enough (300,000 draws each) for the
+    // progress report of the waiting thread to raise the flag mid-run: the
+    // build reports the cancellation, and every pair is either done or
+    // missing as a whole.
+    {
+        MCCommon_850::MCAtomicCancel cancel;
+        CancelAtPairs listener(cancel, 1);
+        BSNSettings s = corrSettings(all(), BC::Posterior);
+        s.SetPosteriorSamples(300000);
+        s.SetMaxNPlots(0);
+        s.SetProgressListener(&listener);
+        s.SetCancelPointer(&cancel);
+        Threaded t(s, 2, 3, cols);
+        EXPECT_EQ(t.run->status.GetCode(), 1);
+        const auto& proc = t.run->procedure;
+        int done = 0;
+        for (std::size_t p = 0; p < 66; ++p) {
+            done += !MCMV::IsMissing(proc.GetPosteriorMeans()[p]);
+            for (const auto* v : {&proc.GetPosteriorModes(), &proc.GetPosteriorVariances(),
+                                  &proc.GetPosteriorLowerBounds(), &proc.GetPosteriorUpperBounds()})
+                EXPECT_EQ(MCMV::IsMissing((*v)[p]), MCMV::IsMissing(proc.GetPosteriorMeans()[p])) << p;
+        }
+        EXPECT_GE(done, 1);
+        EXPECT_LT(done, 55);
+    }
+}
