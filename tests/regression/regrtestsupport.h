@@ -33,6 +33,16 @@ struct RegrRun : bsntest::ComponentRun {
 
 using bsntest::ScaleVars;
 
+// Regression of variable `dep` on the covariates `covs`; the model type
+// brings the reference prior.
+inline BSNSettings regression(int dep, const std::vector<int>& covs) {
+    BSNSettings s;
+    s.SetModelType(BC::Regression, true);
+    s.SetDependVar(dep);
+    s.SetCovariates(covs);
+    return s;
+}
+
 inline std::string dataPath(const std::string& name) { return std::string(BSN_SOURCE_DIR) + "/tests/data/" + name; }
 
 // A numeric CSV with a header: one column per field.

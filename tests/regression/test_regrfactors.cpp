@@ -104,15 +104,12 @@ TEST(RegressionFactors, ClosedFormsAndEdges) {
 TEST(RegressionFactors, HugeSampleThroughWeightsGivesTheLogFlaggedZellnerFactor) {
     // Four records with weight 2.5e8 each: N = 1e9, R squared near 1.
     std::vector<std::vector<double>> cols = {{0, 1, 2, 3}, {1, 3.001, 4.999, 7.0005}, {2.5e8, 2.5e8, 2.5e8, 2.5e8}};
-    BSNSettings s;
-    s.SetModelType(BC::Regression, true);
-    s.SetDependVar(1);
-    s.SetCovariates({0});
+    BSNSettings s = regression(1, {0});
     s.SetFrequencyWeightVar(2);
     s.SetAnalysType(BC::Both);
     s.SetRegrCompType(BC::Zellner);
     s.SetRegrComPar(1e9);
-    RegrRun run(s, cols, ScaleVars(3));
+    RegrRun run(s, cols);
     ASSERT_TRUE(run.status.IsOK()) << run.status.GetCode();
     const auto& r = run.result();
     EXPECT_EQ(r.GetNCases(), 1e9);
@@ -127,7 +124,7 @@ TEST(RegressionFactors, HugeSampleThroughWeightsGivesTheLogFlaggedZellnerFactor)
     // Under Siow the same near-perfect fit (1 - R^2 below the tolerance)
     // gives warning 410014 and no factor at all.
     s.SetRegrCompType(BC::Siow);
-    RegrRun siow(s, cols, ScaleVars(3));
+    RegrRun siow(s, cols);
     ASSERT_TRUE(siow.status.IsOK());
     EXPECT_LT(1.0 - R2, 1e-6);
     EXPECT_EQ(siow.Count(410014), 1);

@@ -12,12 +12,9 @@ namespace {
 
 // y ~ g (3 categories) + x1 + x2, frequency and regression weights.
 BSNSettings smallSettings() {
-    BSNSettings s;
-    s.SetModelType(BC::Regression, true);
-    s.SetDependVar(0);
+    BSNSettings s = regression(0, {1, 2});
     s.SetFactors({3});
     s.SetFactorNCategs({3});
-    s.SetCovariates({1, 2});
     s.SetFrequencyWeightVar(5);
     s.SetRegrWeightVar(6);
     s.SetAnalysType(BC::Both);
@@ -230,12 +227,8 @@ TEST(RegressionFit, DataFarFromZeroKeepsItsPrecision) {
         near[0].push_back(far[0][static_cast<std::size_t>(i)] - 1e9);
         near[1].push_back(far[1][static_cast<std::size_t>(i)] - 3e9);
     }
-    BSNSettings s;
-    s.SetModelType(BC::Regression, true);
-    s.SetDependVar(1);
-    s.SetCovariates({0});
-    s.SetPriorType(BC::Reference);
-    RegrRun a(s, far, ScaleVars(2)), b(s, near, ScaleVars(2));
+    const BSNSettings s = regression(1, {0});
+    RegrRun a(s, far), b(s, near);
     ASSERT_TRUE(a.status.IsOK()) << a.status.GetCode();
     ASSERT_TRUE(b.status.IsOK());
     EXPECT_EQ(a.result().GetRedundancy(), (std::vector<bool>{false, false}));
@@ -254,14 +247,6 @@ TEST(RegressionFit, DataFarFromZeroKeepsItsPrecision) {
 
 TEST(RegressionFit, ErrorsBeforeAndAfterThePass) {
     std::vector<std::vector<double>> cols = {{1, 2, 3, 4, 5}, {2, 2, 2, 2, 2}, {0, 1, 0, 1, 0}};
-    auto settings = [] {
-        BSNSettings s;
-        s.SetModelType(BC::Regression, true);
-        s.SetDependVar(0);
-        s.SetCovariates({1});
-        s.SetPriorType(BC::Reference);
-        return s;
-    };
     struct Case {
         const char* what;
         std::function<void(BSNSettings&, MCXML_850::MCVarList&)> setup;
@@ -288,7 +273,7 @@ TEST(RegressionFit, ErrorsBeforeAndAfterThePass) {
          0},
     };
     for (const auto& c : cases) {
-        BSNSettings s = settings();
+        BSNSettings s = regression(0, {1});
         MCXML_850::MCVarList v = ScaleVars(3, {2});
         c.setup(s, v);
         RegrRun run(s, cols, v);
@@ -300,22 +285,16 @@ TEST(RegressionFit, ErrorsBeforeAndAfterThePass) {
 TEST(RegressionFit, ParameterLimits) {
     // 4999 parameters pass the check (and meet the empty data); 5000 do not.
     for (int size : {4997, 4998}) {
-        BSNSettings s;
-        s.SetModelType(BC::Regression, true);
-        s.SetDependVar(0);
+        BSNSettings s = regression(0, {2});
         s.SetFactors({1});
         s.SetFactorNCategs({size});
-        s.SetCovariates({2});
         RegrRun run(s, {{}, {}, {}}, ScaleVars(3, {1}));
         EXPECT_EQ(run.status.GetCode(), size == 4997 ? 410003 : 410057) << size;
     }
     // The full model's limit counts categories and covariates: 5000 drops the
     // Bayes factor with 410058, 4999 does not.
     for (int size : {4998, 4999}) {
-        BSNSettings s;
-        s.SetModelType(BC::Regression, true);
-        s.SetDependVar(0);
-        s.SetCovariates({2});
+        BSNSettings s = regression(0, {2});
         s.SetAnalysType(BC::BayesFactor);
         s.SetCompareType(BC::CompareFull);
         s.SetFullModFactors({1});
@@ -331,14 +310,11 @@ TEST(RegressionFit, PerfectFitAndFewCases) {
     // with the null comparison.
     std::vector<std::vector<double>> cols = {{0, 1, 2, 3, 4, 5}, {1, 3, 5, 7, 9, 11}};
     for (auto method : {BC::Siow, BC::Zellner, BC::Hyper}) {
-        BSNSettings s;
-        s.SetModelType(BC::Regression, true);
-        s.SetDependVar(1);
-        s.SetCovariates({0});
+        BSNSettings s = regression(1, {0});
         s.SetAnalysType(BC::BayesFactor);
         s.SetRegrCompType(method);
         s.SetRegrComPar(method == BC::Zellner ? 6.0 : 3.0);
-        RegrRun run(s, cols, ScaleVars(2));
+        RegrRun run(s, cols);
         ASSERT_TRUE(run.status.IsOK());
         EXPECT_EQ(run.Count(410014), method == BC::Zellner ? 0 : 1);
         EXPECT_EQ(MCMV::IsMissing(run.result().GetBayesFactor()), method != BC::Zellner);
@@ -346,12 +322,7 @@ TEST(RegressionFit, PerfectFitAndFewCases) {
     }
     // Fewer cases than parameters: k falls to N, residual df 0, no mean
     // square and no F.
-    BSNSettings s;
-    s.SetModelType(BC::Regression, true);
-    s.SetDependVar(0);
-    s.SetCovariates({1, 2, 3});
-    s.SetPriorType(BC::Reference);
-    RegrRun few(s, {{1, 4, 2}, {0, 1, 3}, {5, 2, 2}, {1, 1, 7}}, ScaleVars(4));
+    RegrRun few(regression(0, {1, 2, 3}), {{1, 4, 2}, {0, 1, 3}, {5, 2, 2}, {1, 1, 7}});
     ASSERT_TRUE(few.status.IsOK()) << few.status.GetCode();
     const auto& a = few.result().GetAnova();
     EXPECT_EQ(a.residualDF, 0.0);
