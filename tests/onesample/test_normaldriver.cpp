@@ -120,6 +120,12 @@ TEST(NormalDriver, TTestAndFactorAreWiredToTheCalculator) {
     // Factor-only mode: no posterior, no curves.
     EXPECT_TRUE(o.GetPostMeanValues().empty());
     EXPECT_TRUE(o.GetPlotPosterior().empty());
+    // The factor stage's settings error (a Simple factor without g values)
+    // reaches the component: no result.
+    s.SetAlterGValues({});
+    NormalRun bad(s, {x, y});
+    EXPECT_EQ(bad.status.GetCode(), 410019);
+    EXPECT_EQ(bad.component.GetOutputStats(), nullptr);
 }
 
 TEST(NormalDriver, ErrorsAndCancellation) {
@@ -141,6 +147,7 @@ TEST(NormalDriver, ErrorsAndCancellation) {
         s.SetProgressFrequency(frequency);
         NormalRun r(s, {x});
         EXPECT_EQ(r.status.GetCode(), code);
+        EXPECT_TRUE(r.status.IsError());
         EXPECT_EQ(r.component.GetOutputStats(), nullptr);
         EXPECT_EQ(listener.records, std::vector<int>{reported});
     }
