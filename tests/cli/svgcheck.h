@@ -1,6 +1,7 @@
 #pragma once
 // Reading the host's SVG and HTML back for tests: parse as XML, find
 // elements by class, and estimate where each text lands on the page.
+#include <gtest/gtest.h>
 #include <tinyxml2.h>
 
 #include <cstring>
@@ -63,6 +64,20 @@ inline TextBox BoxOf(const tinyxml2::XMLElement& e) {
     if (Attr(e, "transform").find("rotate(-90") != std::string::npos)
         return {text, x - 0.8 * size, y - start - width, x + 0.25 * size, y - start};
     return {text, x + start, y - 0.8 * size, x + start + width, y + 0.25 * size};
+}
+
+// Checks that every text of a picture lies inside its width and height;
+// returns the number of texts.
+inline int ExpectTextsInside(const tinyxml2::XMLElement* svg) {
+    const double w = svg->DoubleAttribute("width"), h = svg->DoubleAttribute("height");
+    int n = 0;
+    for (const tinyxml2::XMLElement* t : ByName(svg, "text")) {
+        const TextBox b = BoxOf(*t);
+        ++n;
+        EXPECT_TRUE(b.left >= 0 && b.right <= w && b.top >= 0 && b.bottom <= h)
+            << "'" << b.text << "' at " << b.left << ".." << b.right << " x " << b.top << ".." << b.bottom;
+    }
+    return n;
 }
 
 } // namespace bsntest

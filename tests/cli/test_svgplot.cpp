@@ -50,12 +50,7 @@ struct Svg {
         EXPECT_EQ(doc.Parse(text.c_str()), tinyxml2::XML_SUCCESS) << doc.ErrorStr();
         root = doc.RootElement();
         if (root == nullptr) return;
-        const double w = root->DoubleAttribute("width"), h = root->DoubleAttribute("height");
-        for (const XMLElement* t : ByName(root, "text")) {
-            const auto b = bsntest::BoxOf(*t);
-            EXPECT_TRUE(b.left >= 0 && b.right <= w && b.top >= 0 && b.bottom <= h)
-                << "'" << b.text << "' at " << b.left << ".." << b.right << " x " << b.top << ".." << b.bottom;
-        }
+        bsntest::ExpectTextsInside(root);
         const auto frames = ByClass(root, "frame"), legends = ByClass(root, "legend");
         if (frames.empty() || legends.empty()) return;
         const XMLElement* box = legends[0]->FirstChildElement("rect");

@@ -6,8 +6,7 @@
 
 #include "bsn/frame/bsnalgorithm.h"
 #include "bsn/frame/bsncomponent.h"
-#include "bsn/frame/bsncorrreporter.h"
-#include "platform/records/columnrecorditer.h"
+#include "tests/frame/componentrun.h"
 
 using namespace MCBSN_850;
 using MCCommon_850::MCMV;
@@ -46,17 +45,8 @@ private:
     FinalReport m_rule;
 };
 
-struct CountingListener : MCCommon_850::ProgressListener {
-    std::vector<int> seen;
-    void Notify(const MCCommon_850::ProgressReport& r) override { seen.push_back(r.DiscreteMeasure("records")); }
-};
-
-// Cancels on the n-th question.
-struct CancelAfter : MCCommon_850::MCQueryCancel {
-    explicit CancelAfter(int n) : left(n) {}
-    mutable int left;
-    bool IsCancel() const override { return --left < 0; }
-};
+using CountingListener = bsntest::RecordCounts;
+using bsntest::CancelAfter;
 
 // Yields a null record at the given rows (0-based), as a source with gaps may.
 class GappyIter : public MCCommon_850::ColumnRecordIter {
@@ -98,7 +88,7 @@ TEST(Frame, FrequencyWeightsRoundHalfUp) {
     EXPECT_EQ(p.used, 3);
     EXPECT_EQ(p.sumWeights, 2 + 3 + 1);
     EXPECT_EQ(p.sumValues, 1 * 2 + 2 * 3 + 6 * 1);
-    EXPECT_EQ(listener.seen, (std::vector<int>{3, 6, 6}));
+    EXPECT_EQ(listener.counts, (std::vector<int>{3, 6, 6}));
 }
 
 TEST(Frame, WarningsCollectedInOrderAndErrorEndsBuild) {
@@ -143,7 +133,7 @@ TEST(Frame, ProgressReportsEveryFrequencyAndAtTheEnd) {
         MCCommon_850::ColumnRecordIter iter(cols);
         ScriptedProcedure p(s, {}, c.rule);
         p.BuildModel(iter);
-        EXPECT_EQ(listener.seen, c.expected) << c.nRecords;
+        EXPECT_EQ(listener.counts, c.expected) << c.nRecords;
     }
 }
 
@@ -168,17 +158,6 @@ TEST(Frame, CancellationInsideAPassGivesCodeOne) {
     q.SetCancelPtr(&flag);
     EXPECT_EQ(q.BuildModel(iter).GetCode(), 1);
     EXPECT_EQ(q.used, 0);
-}
-
-TEST(Frame, ReportersKnowTheirMeasures) {
-    // The plain reporter's "records" is the progress test's.
-    EXPECT_EQ(BSNReporter(12).DiscreteMeasure("pairs"), -1);
-    BSNCorrReporter c(5);
-    EXPECT_EQ(c.DiscreteMeasure("pairs"), -1);
-    c.SetNPairs(3);
-    EXPECT_EQ(c.DiscreteMeasure("pairs"), 3);
-    EXPECT_EQ(c.DiscreteMeasure("records"), 5);
-    EXPECT_EQ(c.DiscreteMeasure("cells"), -1);
 }
 
 TEST(Frame, ComponentWithoutProcedureIsInert) {

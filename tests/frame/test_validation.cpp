@@ -202,3 +202,42 @@ TEST(Validation, LogLinearAndUnknownTypes) {
     other.SetModelType(static_cast<BSNConst::ModelTypes>(7), false);
     EXPECT_TRUE(other.IsValidSettings().IsOK());
 }
+
+// The JSON reader checks the correlation and independent-samples
+// adjustments; here the adjust flag and the way back to one sample.
+TEST(Settings, ModelTypeAdjustsDependentDefaults) {
+    BSNSettings noAdjust;
+    noAdjust.SetModelType(BSNConst::Regression, false);
+    EXPECT_EQ(noAdjust.GetModelType(), BSNConst::Regression);
+    EXPECT_EQ(noAdjust.GetMissScope(), BSNConst::MissingAnalysis);
+    EXPECT_EQ(noAdjust.GetPriorType(), BSNConst::Conjugate);
+
+    BSNSettings regr;
+    regr.SetModelType(BSNConst::Regression, true);
+    EXPECT_EQ(regr.GetMissScope(), BSNConst::MissingListwise);
+    EXPECT_EQ(regr.GetPriorType(), BSNConst::Reference);
+    regr.SetModelType(BSNConst::OneSample, true);
+    EXPECT_EQ(regr.GetMissScope(), BSNConst::MissingAnalysis);
+    EXPECT_EQ(regr.GetPriorType(), BSNConst::Conjugate);
+}
+
+// What the JSON reader's refusal test does not reach: variable setters that
+// refuse -1, and the default parameter of each Bayes-factor method.
+TEST(Settings, SetterRulesRefuseBadValues) {
+    BSNSettings s;
+    EXPECT_FALSE(s.SetDependVar(-1));
+    EXPECT_EQ(s.GetDependentVar(), -1);
+    EXPECT_TRUE(s.SetDependVar(0));
+    EXPECT_FALSE(s.SetFrequencyWeightVar(-2));
+    EXPECT_FALSE(s.SetGroupVar(-1));
+    EXPECT_FALSE(s.SetRegrWeightVar(-1));
+    s.SetSecondGonenPar(-1.0);
+    EXPECT_TRUE(MCMV::IsMissing(s.GetSecondGonenPar()));
+
+    BSNSettings rouder, zellner;
+    rouder.SetRegrCompType(BSNConst::Rouder);
+    EXPECT_EQ(rouder.GetRegrComPar(), 1.0);
+    zellner.SetRegrCompType(BSNConst::Zellner);
+    EXPECT_TRUE(MCMV::IsMissing(zellner.GetRegrComPar()));
+}
+

@@ -5,18 +5,15 @@
 #include <cstdlib>
 #include <fstream>
 #include <map>
-#include <memory>
 #include <sstream>
 #include <string>
 #include <vector>
 
 #include <gtest/gtest.h>
 
-#include "bsn/frame/bsncomponent.h"
 #include "bsn/loglinear/bsnloglinearoutputstats.h"
 #include "platform/common/mcmv.h"
-#include "platform/records/columnrecorditer.h"
-#include "platform/variables/mcvarlist.h"
+#include "tests/frame/componentrun.h"
 
 namespace loglinear_test {
 
@@ -109,39 +106,16 @@ inline std::vector<std::vector<double>> CellRecords(const Matrix& table) {
     return cols;
 }
 
-inline MCXML_850::MCVarList VarList(std::size_t n) {
-    MCXML_850::MCVarList list;
-    for (std::size_t i = 0; i < n; ++i) list.Add(MCXML_850::MCContVar("v" + std::to_string(i)));
-    return list;
-}
-
 // Marks records given as columns (row code, column code, weight, ...)
 // rather than as a table of counts.
 struct Columns {
     std::vector<std::vector<double>> values;
 };
 
-// The component of one build over in-memory records.
-struct Build {
-    Build(const MCBSN_850::BSNSettings& settings, Columns cols)
-        : columns(std::move(cols.values)), component(settings, VarList(columns.size())) {
-        MCCommon_850::ColumnRecordIter iter(columns);
-        status = component.BuildModel(iter);
-    }
+struct Build : bsntest::ComponentRun {
+    Build(const MCBSN_850::BSNSettings& settings, Columns cols) : ComponentRun(settings, std::move(cols.values)) {}
     Build(const MCBSN_850::BSNSettings& settings, const Matrix& table) : Build(settings, Columns{CellRecords(table)}) {}
-
-    const MCBSN_850::BSNLogLinearOutputStats* Result() const {
-        return dynamic_cast<const MCBSN_850::BSNLogLinearOutputStats*>(component.GetOutputStats());
-    }
-    std::vector<int> WarningCodes() const {
-        std::vector<int> codes;
-        for (const auto& w : component.GetWarningMessages()) codes.push_back(w.GetCode());
-        return codes;
-    }
-
-    std::vector<std::vector<double>> columns;
-    MCBSN_850::BSNComponent component;
-    MCCommon_850::MCStatus status;
+    const MCBSN_850::BSNLogLinearOutputStats* Result() const { return As<MCBSN_850::BSNLogLinearOutputStats>(); }
 };
 
 // |a - b| within a relative (and, near zero, absolute) tolerance.

@@ -1,8 +1,6 @@
 // The classical tests of independence against R (chisq.test, loglm,
 // fisher.test; tests/data/loglinear_reference.R) and Fisher's test at a
 // total of a billion against 60-digit sums.
-#include <sstream>
-
 #include <gtest/gtest.h>
 
 #include "bsn/loglinear/bsnloglinear.h"
@@ -11,8 +9,6 @@
 namespace {
 
 using MCBSN_850::BSNLogLinear;
-using MCBSN_850::BSNSettings;
-namespace BSNConst = MCBSN_850::BSNConst;
 using namespace loglinear_test;
 
 TEST(LogLinearTests, AgreeWithR) {
@@ -101,18 +97,6 @@ TEST(LogLinearTests, FisherAtTotalsOfABillion) {
         EXPECT_TRUE(Near(sig[0], row.Num("fisher1"), 1e-10, 1e-300)) << row.Text("table");
         EXPECT_TRUE(Near(sig[1], row.Num("fisher2"), 1e-10, 1e-300)) << row.Text("table");
     }
-}
-
-TEST(LogLinearTests, DiagnosticDumpNamesItsParts) {
-    BSNSettings s = Settings(2, 2);
-    s.SetLogLinPriorType(BSNConst::LogLinIntrinsic);
-    Build b(s, Matrix{{12, 5}, {3, 10}});
-    std::ostringstream dump;
-    b.component.Display(dump);
-    for (const char* label : {"BSNLogLinear display start", "Chi Square statistic", "Fisher two-sided significance",
-                              "T for intrinsic priors", "Bayesian estimation on pairs of categories",
-                              "Mean value for posterior", "BSNLogLinearOutputStats display start"})
-        EXPECT_NE(dump.str().find(label), std::string::npos) << label;
 }
 
 } // namespace

@@ -4,7 +4,6 @@
 #include <gtest/gtest.h>
 
 #include "bsn/loglinear/bsncontingency.h"
-#include "platform/progress/progress.h"
 #include "tests/loglinear/loglinear_test_support.h"
 
 namespace {
@@ -13,20 +12,8 @@ using MCBSN_850::BSNContingency;
 using MCBSN_850::BSNSettings;
 using namespace loglinear_test;
 
-class Reports : public MCCommon_850::ProgressListener {
-public:
-    void Notify(const MCCommon_850::ProgressReport& r) override { counts.push_back(r.DiscreteMeasure("records")); }
-    std::vector<int> counts;
-};
-
-class CancelAfter : public MCCommon_850::MCQueryCancel {
-public:
-    explicit CancelAfter(int polls) : m_left(polls) {}
-    bool IsCancel() const override { return --m_left < 0; }
-
-private:
-    mutable int m_left;
-};
+using Reports = bsntest::RecordCounts;
+using bsntest::CancelAfter;
 
 TEST(Contingency, CountsWeightsAsTheyStandAndLeavesOutBadRecords) {
     // row, column, weight

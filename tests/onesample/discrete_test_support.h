@@ -1,76 +1,55 @@
 #pragma once
-// Helpers shared by the one-sample binomial and Poisson tests: a listener
-// that records progress counts, a cancel query that trips after a number of
-// polls, Simpson's rule as an independent integrator, and a runner that
-// builds a component over in-memory columns.
+// Helpers shared by the one-sample binomial and Poisson tests: the shared
+// runner and listeners under short names, and Simpson's rule as an
+// independent integrator.
 #include <cmath>
 #include <functional>
-#include <memory>
-#include <string>
 #include <vector>
 
-#include "bsn/frame/bsncomponent.h"
+#include "bsn/frame/bsnsettings.h"
 #include "platform/common/mcmv.h"
-#include "platform/records/columnrecorditer.h"
-#include "platform/variables/mcvarlist.h"
+#include "tests/frame/componentrun.h"
 
 namespace discrete_test {
 
 inline const double kMiss = MCCommon_850::MCMV::Missing();
 
-class CountingListener : public MCCommon_850::ProgressListener {
-public:
-    void Notify(const MCCommon_850::ProgressReport& report) override {
-        counts.push_back(report.DiscreteMeasure("records"));
-        if (onNotify) onNotify();
-    }
-    std::vector<int> counts;
-    std::function<void()> onNotify;
-};
+using CountingListener = bsntest::RecordCounts;
+using bsntest::CancelAfter;
+using Build = bsntest::ComponentRun;
 
-// Answers "cancel" from the (limit + 1)-th poll on.
-class CancelAfter : public MCCommon_850::MCQueryCancel {
-public:
-    explicit CancelAfter(int limit) : m_limit(limit) {}
-    bool IsCancel() const override { return ++m_calls > m_limit; }
-
-private:
-    int m_limit;
-    mutable int m_calls = 0;
-};
-
-inline MCXML_850::MCVarList makeVarList(std::size_t n) {
-    MCXML_850::MCVarList list;
-    for (std::size_t i = 0; i < n; ++i) list.Add(MCXML_850::MCContVar("v" + std::to_string(i)));
-    return list;
+// One-sample settings for the test variables `vars` (factors of a binomial,
+// covariates of a Poisson): posterior prior (p1, p2), alternative prior
+// (a1, a2) for every variable.
+inline MCBSN_850::BSNSettings discreteSettings(MCBSN_850::BSNConst::DistTypes dist, const std::vector<int>& vars,
+                                               MCBSN_850::BSNConst::AnalysTypes type, double p1, double p2, double a1,
+                                               double a2) {
+    MCBSN_850::BSNSettings s;
+    s.SetModelType(MCBSN_850::BSNConst::OneSample, false);
+    s.SetTestDistType(dist);
+    if (dist == MCBSN_850::BSNConst::Binomial)
+        s.SetFactors(vars);
+    else
+        s.SetCovariates(vars);
+    s.SetAnalysType(type);
+    s.SetPriorParam1(p1);
+    s.SetPriorParam2(p2);
+    s.SetAlterPrior1s(std::vector<double>(vars.size(), a1));
+    s.SetAlterPrior2s(std::vector<double>(vars.size(), a2));
+    return s;
 }
 
-// Owns the component of one build over `columns` (one column per variable).
-struct Build {
-    Build(const MCBSN_850::BSNSettings& settings, const std::vector<std::vector<double>>& cols)
-        : columns(cols), component(settings, makeVarList(cols.size())) {
-        MCCommon_850::ColumnRecordIter iter(columns);
-        status = component.BuildModel(iter);
-    }
-    template <class Output>
-    const Output* As() const {
-        return dynamic_cast<const Output*>(component.GetOutputStats());
-    }
-    int CountWarnings(int code) const {
-        int n = 0;
-        for (const auto& w : component.GetWarningMessages()) n += w.GetCode() == code ? 1 : 0;
-        return n;
-    }
-    bool HasWarning(int code, int datum) const {
-        for (const auto& w : component.GetWarningMessages())
-            if (w.GetCode() == code && w.IsWarning() && w.GetDiscreteDatum(0) == datum) return true;
-        return false;
-    }
+// Independent ln B(a, b), with B(0, 0) taken as 1.
+inline double lnBeta(double a, double b) {
+    if (a == 0.0 && b == 0.0) return 0.0;
+    return std::lgamma(a) + std::lgamma(b) - std::lgamma(a + b);
+}
 
-    std::vector<std::vector<double>> columns;
-    MCBSN_850::BSNComponent component;
-    MCCommon_850::MCStatus status;
-};
+// ln of the integral of l^S e^(-N l) Gamma(l; a, b) dl, closed form (shape
+// a, rate b).
+inline double lnGammaMarginal(double a, double b, double N, double S) {
+    return a * std::log(b) - std::lgamma(a) + std::lgamma(a + S) - (a + S) * std::log(b + N);
+}
 
 // Composite Simpson's rule with n (even) intervals.
 inline double simpson(const std::function<double(double)>& f, double lo, double hi, int n = 20000) {

@@ -3,11 +3,7 @@
 // integrand written out again and integrated by Boost's double-exponential
 // rules, which share nothing with the library's Lobatto quadrature.
 #include <cmath>
-#include <fstream>
 #include <limits>
-#include <sstream>
-#include <string>
-#include <vector>
 
 #include <boost/math/quadrature/exp_sinh.hpp>
 #include <boost/math/quadrature/tanh_sinh.hpp>
@@ -55,25 +51,6 @@ inline double exactFactor(double N, double t) {
 // large-g form beyond.
 inline double cutoffFactor(double N, double t) {
     return nullTerm(N, t) / (integral(N, t, 0.0, 1e5) + tail(N, 1e5, std::numeric_limits<double>::infinity()));
-}
-
-struct Row {
-    double N, t, bf01;
-};
-
-// Rows of a reference table under tests/data; empty when it cannot be read.
-inline std::vector<Row> readReference(const std::string& file) {
-    std::vector<Row> rows;
-    std::ifstream in(std::string(BSN_SOURCE_DIR) + "/tests/data/" + file);
-    std::string line;
-    if (!std::getline(in, line)) return rows;
-    while (std::getline(in, line)) {
-        std::istringstream s(line);
-        Row r{};
-        char c1 = 0, c2 = 0;
-        if (s >> r.N >> c1 >> r.t >> c2 >> r.bf01) rows.push_back(r);
-    }
-    return rows;
 }
 
 } // namespace jzsref

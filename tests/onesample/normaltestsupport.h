@@ -11,16 +11,10 @@
 #include <boost/math/distributions/students_t.hpp>
 #include <cmath>
 #include <functional>
-#include <memory>
-#include <stdexcept>
 #include <vector>
 
-#include "bsn/frame/bsncomponent.h"
 #include "platform/common/mcmv.h"
-#include "platform/progress/mcquerycancel.h"
-#include "platform/progress/progress.h"
-#include "platform/records/columnrecorditer.h"
-#include "platform/variables/mcvarlist.h"
+#include "tests/frame/componentrun.h"
 
 namespace normaltest {
 
@@ -31,45 +25,17 @@ namespace bm = boost::math;
 
 inline const double kMiss = MCMV::Missing();
 
-inline MCXML_850::MCVarList makeVarList(int n) {
-    MCXML_850::MCVarList vars;
-    for (int i = 0; i < n; ++i) vars.Add(MCXML_850::MCContVar("v" + std::to_string(i)));
-    return vars;
-}
+inline MCXML_850::MCVarList makeVarList(int n) { return bsntest::ScaleVars(static_cast<std::size_t>(n)); }
 
-// A component built and run over `columns`; keeps the columns alive as long
-// as the results are read.
-struct NormalRun {
-    NormalRun(const MCBSN_850::BSNSettings& settings, std::vector<std::vector<double>> cols)
-        : columns(std::move(cols)), iter(columns),
-          component(settings, makeVarList(static_cast<int>(columns.size()))) {
-        status = component.BuildModel(iter);
-    }
+// The shared runner under the names these tests use.
+struct NormalRun : bsntest::ComponentRun {
+    using ComponentRun::ComponentRun;
     template <class Out>
-    const Out* out() const {
-        return dynamic_cast<const Out*>(component.GetOutputStats());
-    }
-    // The result object, which must be there and of class Out.
+    const Out* out() const { return As<Out>(); }
     template <class Out>
-    const Out& result() const {
-        const Out* o = out<Out>();
-        if (o == nullptr) throw std::runtime_error("no result object");
-        return *o;
-    }
-    std::vector<int> warningCodes() const {
-        std::vector<int> codes;
-        for (const auto& w : component.GetWarningMessages()) codes.push_back(w.GetCode());
-        return codes;
-    }
-    int count(int code) const {
-        const auto c = warningCodes();
-        return static_cast<int>(std::count(c.begin(), c.end(), code));
-    }
-
-    std::vector<std::vector<double>> columns;
-    MCCommon_850::ColumnRecordIter iter;
-    MCBSN_850::BSNComponent component;
-    MCCommon_850::MCStatus status;
+    const Out& result() const { return Result<Out>(); }
+    std::vector<int> warningCodes() const { return WarningCodes(); }
+    int count(int code) const { return Count(code); }
 };
 
 // Counts progress reports and, at report number `cancelAt` (1-based),

@@ -6,7 +6,6 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
-#include <sstream>
 #include <vector>
 
 #include "bsn/onesample/bsn1samplenormalutils.h"
@@ -121,12 +120,11 @@ TEST(NormalDriver, TTestAndFactorAreWiredToTheCalculator) {
     // Factor-only mode: no posterior, no curves.
     EXPECT_TRUE(o.GetPostMeanValues().empty());
     EXPECT_TRUE(o.GetPlotPosterior().empty());
-    // A Simple factor without g values is a settings error: no result.
+    // The factor stage's settings error (a Simple factor without g values)
+    // reaches the component: no result.
     s.SetAlterGValues({});
     NormalRun bad(s, {x, y});
     EXPECT_EQ(bad.status.GetCode(), 410019);
-    EXPECT_TRUE(bad.status.IsError());
-    EXPECT_FALSE(bad.component.IsModelBuilt());
     EXPECT_EQ(bad.component.GetOutputStats(), nullptr);
 }
 
@@ -134,8 +132,6 @@ TEST(NormalDriver, ErrorsAndCancellation) {
     const std::vector<double> x = {1.0, 2.0, 4.0, 3.5, 2.2, 3.3};
     NormalRun empty(normalSettings({0}, BC::Posterior), {std::vector<double>{}});
     EXPECT_EQ(empty.status.GetCode(), 410003);
-    EXPECT_TRUE(empty.status.IsError());
-    EXPECT_EQ(empty.component.GetStatus().GetCode(), 410003);
     EXPECT_EQ(empty.component.GetOutputStats(), nullptr);
     NormalRun noVariable(normalSettings({}, BC::Posterior), {x});
     EXPECT_EQ(noVariable.status.GetCode(), 410004);
@@ -152,7 +148,6 @@ TEST(NormalDriver, ErrorsAndCancellation) {
         NormalRun r(s, {x});
         EXPECT_EQ(r.status.GetCode(), code);
         EXPECT_TRUE(r.status.IsError());
-        EXPECT_FALSE(r.component.IsModelBuilt());
         EXPECT_EQ(r.component.GetOutputStats(), nullptr);
         EXPECT_EQ(listener.records, std::vector<int>{reported});
     }
@@ -168,24 +163,19 @@ TEST(NormalDriver, ErrorsAndCancellation) {
 }
 
 TEST(NormalDriver, ProgressReportsAndResultObjects) {
-    // A report every 2 records: 6 records give 2, 4, 6 (no repeat of 6);
-    // 5 give 2, 4 and the final 5.
-    for (const auto& [n, expected] : {std::pair{6, std::vector<int>{2, 4, 6}}, std::pair{5, std::vector<int>{2, 4, 5}}}) {
-        MCCommon_850::MCAtomicCancel cancel;
-        CancellingListener listener(cancel, 1000);
-        BSNSettings s = normalSettings({0}, BC::Posterior);
-        s.SetProgressListener(&listener);
-        s.SetProgressFrequency(2);
-        std::vector<double> x;
-        for (int i = 0; i < n; ++i) x.push_back(1.0 + i * i);
-        NormalRun r(s, {x});
-        ASSERT_TRUE(r.status.IsOK());
-        EXPECT_EQ(listener.records, expected);
-    }
+    // A report every 2 records: 6 records give 2, 4, 6 (no repeat of 6).
+    MCCommon_850::MCAtomicCancel never;
+    CancellingListener listener(never, 1000);
+    BSNSettings s = normalSettings({0}, BC::Posterior);
+    s.SetProgressListener(&listener);
+    s.SetProgressFrequency(2);
+    NormalRun counted(s, {{1.0, 2.0, 5.0, 10.0, 17.0, 26.0}});
+    ASSERT_TRUE(counted.status.IsOK());
+    EXPECT_EQ(listener.records, (std::vector<int>{2, 4, 6}));
     // Posterior-only results have no factor vectors. The one-sample and the
     // related result share a base but not their class (the host dispatches
-    // on it). A copy refilled, or assigned and refilled, leaves its source
-    // alone; the refill sanitises.
+    // on it). A copy refilled leaves its source alone; the refill keeps the
+    // order of its arguments and sanitises.
     const std::vector<double> x = {1.0, 2.0, 4.0, 3.5, 2.2, 3.3};
     NormalRun r(normalSettings({0}, BC::Posterior), {x});
     const auto& o = output(r);
@@ -203,24 +193,14 @@ TEST(NormalDriver, ProgressReportsAndResultObjects) {
     EXPECT_EQ(copy.GetUpperLimits(), std::vector<double>{11});
     EXPECT_EQ(copy.GetPlotPosterior(), o.GetPlotPosterior());
     EXPECT_EQ(o.GetVarIndices(), std::vector<int>{0});
-    BSN1SampleNormOutputStats assigned(o.GetSettings());
-    assigned = copy;
-    assigned.SetOutputValues(o.GetSettings(), {8}, {1}, {2}, {3}, {4}, {5}, {6}, {7}, {8}, {9}, {10}, {11}, {12}, {14});
-    EXPECT_EQ(copy.GetMeanValues(), std::vector<double>{12});
-    EXPECT_EQ(assigned.GetMeanValues(), std::vector<double>{14});
-    std::ostringstream dump;
-    r.component.Display(dump);
-    EXPECT_NE(dump.str().find("End of display BSN1SampleNormOutputStats object"), std::string::npos);
 }
 
 TEST(BSN1SampleNormalUtils, WeightsAndIntervalsThatCannotBeFormed) {
-    for (const auto& [value, expected] :
-         {std::pair{2.4, 2.0}, std::pair{2.5, 3.0}, std::pair{0.49, 0.0}, std::pair{kMiss, 0.0}, std::pair{1e9 + 0.4, 1e9}}) {
-        const double row[2] = {7.0, value};
-        EXPECT_EQ(BSN1SampleNormalUtils::GetWeight(1, MCCommon_850::Record(row, 2)), expected) << value;
-    }
-    const double row[1] = {3.0};
-    EXPECT_EQ(BSN1SampleNormalUtils::GetWeight(5, MCCommon_850::Record(row, 1)), 0.0);  // field outside the record
+    // The frame's rounding (checked there) of the weight's own field; a
+    // field outside the record weighs 0.
+    const double row[2] = {7.0, 2.5};
+    EXPECT_EQ(BSN1SampleNormalUtils::GetWeight(1, MCCommon_850::Record(row, 2)), 3.0);
+    EXPECT_EQ(BSN1SampleNormalUtils::GetWeight(5, MCCommon_850::Record(row, 2)), 0.0);
     // The intervals themselves are checked with every posterior; here the
     // inputs that give none: no t with 0 df, a missing variance.
     double lo = 0.0, hi = 0.0;

@@ -14,6 +14,7 @@
 #include "platform/stats/mccontstats.h"
 #include "tests/onesample/discrete_test_support.h"
 #include "tests/onesample/jzsreference.h"
+#include "tests/onesample/normaltestsupport.h"
 
 using MCBSN_850::BSN1SampleNormalUtils;
 using MCBSN_850::BSNSettings;
@@ -51,16 +52,11 @@ struct Data {
     std::vector<double> se, mean;
     void add(const std::vector<double>& x, const std::vector<double>& w = {}) {
         MCMath_850::MCContStats s;
-        double sw = 0.0, sx = 0.0, ss = 0.0;
-        for (std::size_t i = 0; i < x.size(); ++i) {
-            s.Update(x[i], w.empty() ? 1.0 : w[i]);
-            sw += w.empty() ? 1.0 : w[i];
-            sx += (w.empty() ? 1.0 : w[i]) * x[i];
-        }
-        for (std::size_t i = 0; i < x.size(); ++i) ss += (w.empty() ? 1.0 : w[i]) * std::pow(x[i] - sx / sw, 2);
+        for (std::size_t i = 0; i < x.size(); ++i) s.Update(x[i], w.empty() ? 1.0 : w[i]);
+        const normaltest::Moments m = normaltest::moments(x, w);
         stats.push_back(s);
-        mean.push_back(sx / sw);
-        se.push_back(sw >= 2 ? std::sqrt(ss / (sw - 1) / sw) : kMiss);
+        mean.push_back(m.mean);
+        se.push_back(m.n >= 2 ? std::sqrt(m.var / m.n) : kMiss);
     }
 };
 

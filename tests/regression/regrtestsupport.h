@@ -7,17 +7,14 @@
 #include <algorithm>
 #include <fstream>
 #include <map>
-#include <memory>
 #include <sstream>
 #include <stdexcept>
 #include <string>
 #include <vector>
 
-#include "bsn/frame/bsncomponent.h"
 #include "bsn/regression/bsnmultiregoutputstats.h"
 #include "platform/common/mcmv.h"
-#include "platform/records/columnrecorditer.h"
-#include "platform/variables/mcvarlist.h"
+#include "tests/frame/componentrun.h"
 
 namespace regrtest {
 
@@ -28,43 +25,22 @@ namespace BC = MCBSN_850::BSNConst;
 
 inline const double kMiss = MCMV::Missing();
 
-struct RegrRun {
-    RegrRun(const BSNSettings& settings, std::vector<std::vector<double>> cols, MCXML_850::MCVarList vars)
-        : columns(std::move(cols)), iter(columns), component(settings, vars) {
-        status = component.BuildModel(iter);
-    }
-    const BSNMultiRegOutputStats& result() const {
-        const auto* r = dynamic_cast<const BSNMultiRegOutputStats*>(component.GetOutputStats());
-        if (r == nullptr) throw std::runtime_error("no result object");
-        return *r;
-    }
+struct RegrRun : bsntest::ComponentRun {
+    using ComponentRun::ComponentRun;
+    const BSNMultiRegOutputStats& result() const { return Result<BSNMultiRegOutputStats>(); }
     bool hasResult() const { return component.GetOutputStats() != nullptr; }
-    int count(int code) const {
-        int n = 0;
-        for (const auto& w : component.GetWarningMessages()) n += w.GetCode() == code;
-        return n;
-    }
-    const MCCommon_850::MCStatus* warning(int code) const {
-        for (const auto& w : component.GetWarningMessages())
-            if (w.GetCode() == code) return &w;
-        return nullptr;
-    }
-
-    std::vector<std::vector<double>> columns;
-    MCCommon_850::ColumnRecordIter iter;
-    MCBSN_850::BSNComponent component;
-    MCCommon_850::MCStatus status;
 };
 
-// Scale variables v0.. without stored ranges, except the nominal ones.
-inline MCXML_850::MCVarList varList(int n, const std::vector<int>& nominal = {}) {
-    MCXML_850::MCVarList vars;
-    for (int i = 0; i < n; ++i) {
-        const bool nom = std::find(nominal.begin(), nominal.end(), i) != nominal.end();
-        vars.Add(MCXML_850::MCContVar("v" + std::to_string(i), nom ? MCXML_850::MCVarKind::Nominal
-                                                                   : MCXML_850::MCVarKind::Scale));
-    }
-    return vars;
+using bsntest::ScaleVars;
+
+// Regression of variable `dep` on the covariates `covs`; the model type
+// brings the reference prior.
+inline BSNSettings regression(int dep, const std::vector<int>& covs) {
+    BSNSettings s;
+    s.SetModelType(BC::Regression, true);
+    s.SetDependVar(dep);
+    s.SetCovariates(covs);
+    return s;
 }
 
 inline std::string dataPath(const std::string& name) { return std::string(BSN_SOURCE_DIR) + "/tests/data/" + name; }

@@ -30,7 +30,7 @@ TEST(Anova, CellMeansTableAndAgreementWithRegression) {
                                              {1, 2, 1, 1, 1, 3, 1, 1, 1}};
     BSNSettings s = anovaSettings(3);
     s.SetFrequencyWeightVar(2);
-    RegrRun run(s, cols, varList(3, {1}));
+    RegrRun run(s, cols, ScaleVars(3, {1}));
     ASSERT_TRUE(run.status.IsOK()) << run.status.GetCode();
     const auto& r = run.result();
     EXPECT_EQ(r.GetOutputType(), BC::OutputAnova);
@@ -51,17 +51,9 @@ TEST(Anova, CellMeansTableAndAgreementWithRegression) {
 
     // The regression on the same cells (intercept + indicators) fits the
     // same model.
-    BSNSettings reg;
+    BSNSettings reg = s;
     reg.SetModelType(BC::Regression, true);
-    reg.SetDependVar(0);
-    reg.SetFactors({1});
-    reg.SetFactorNCategs({3});
-    reg.SetFrequencyWeightVar(2);
-    reg.SetAnalysType(BC::Both);
-    reg.SetPriorType(BC::Reference);
-    reg.SetRegrCompType(BC::Zellner);
-    reg.SetRegrComPar(10.0);
-    RegrRun rr(reg, cols, varList(3, {1}));
+    RegrRun rr(reg, cols, ScaleVars(3, {1}));
     ASSERT_TRUE(rr.status.IsOK());
     EXPECT_NEAR(rr.result().GetRSquared(), r.GetRSquared(), 1e-12);
     EXPECT_NEAR(rr.result().GetAnova().f, r.GetAnova().f, 1e-9);
@@ -77,28 +69,28 @@ TEST(Anova, CellMeansTableAndAgreementWithRegression) {
 TEST(Anova, EmptyCellsAndOneCategory) {
     std::vector<std::vector<double>> cols = {{3, 4, 5, 9, 10}, {0, 0, 0, 2, 2}};
     // Three categories, the middle one empty: dropped, the others analysed.
-    RegrRun run(anovaSettings(3), cols, varList(2, {1}));
+    RegrRun run(anovaSettings(3), cols, ScaleVars(2, {1}));
     ASSERT_TRUE(run.status.IsOK()) << run.status.GetCode();
     EXPECT_EQ(run.result().GetRedundancy(), (std::vector<bool>{false, true, false}));
     EXPECT_EQ(run.result().GetAnova().regressionDF, 1.0);
     EXPECT_TRUE(MCMV::IsMissing(run.result().GetVarCoeffBayesEstimations()[1].GetVariance()));
     // Two categories with one empty: only one cell is left.
     std::vector<std::vector<double>> one = {{3, 4, 5}, {0, 0, 0}};
-    EXPECT_EQ(RegrRun(anovaSettings(2), one, varList(2, {1})).status.GetCode(), 410012);
+    EXPECT_EQ(RegrRun(anovaSettings(2), one, ScaleVars(2, {1})).status.GetCode(), 410012);
     // A single category is refused before the pass.
-    EXPECT_EQ(RegrRun(anovaSettings(1), one, varList(2, {1})).status.GetCode(), 410012);
+    EXPECT_EQ(RegrRun(anovaSettings(1), one, ScaleVars(2, {1})).status.GetCode(), 410012);
     // A perfect fit keeps its factor under Zellner only.
     std::vector<std::vector<double>> perfect = {{3, 3, 5, 5}, {0, 0, 1, 1}};
     BSNSettings s = anovaSettings(2);
-    RegrRun z(s, perfect, varList(2, {1}));
-    EXPECT_EQ(z.count(410014), 0);
+    RegrRun z(s, perfect, ScaleVars(2, {1}));
+    EXPECT_EQ(z.Count(410014), 0);
     EXPECT_FALSE(MCMV::IsMissing(z.result().GetBayesFactor()));
     s.SetRegrCompType(BC::Siow);
-    RegrRun si(s, perfect, varList(2, {1}));
-    EXPECT_EQ(si.count(410014), 1);
+    RegrRun si(s, perfect, ScaleVars(2, {1}));
+    EXPECT_EQ(si.Count(410014), 1);
     EXPECT_TRUE(MCMV::IsMissing(si.result().GetBayesFactor()));
     // More than 4999 categories.
-    EXPECT_EQ(RegrRun(anovaSettings(5000), one, varList(2, {1})).status.GetCode(), 410057);
+    EXPECT_EQ(RegrRun(anovaSettings(5000), one, ScaleVars(2, {1})).status.GetCode(), 410057);
 }
 
 TEST(Anova, PlotsOfCellsSigmaAndPrediction) {
@@ -108,7 +100,7 @@ TEST(Anova, PlotsOfCellsSigmaAndPrediction) {
     s.SetMaxNPlotCategories(5);
     s.SetNPlotPoints(21);
     s.SetRegressors({1});
-    RegrRun run(s, cols, varList(2, {1}));
+    RegrRun run(s, cols, ScaleVars(2, {1}));
     ASSERT_TRUE(run.status.IsOK());
     const auto& r = run.result();
     EXPECT_EQ(r.GetPlotParameters(), (std::vector<int>{2, 0}));
@@ -135,7 +127,7 @@ TEST(Anova, PlotsOfCellsSigmaAndPrediction) {
     EXPECT_NEAR(r.GetPredictedBayesEstimation().GetMean(), r.GetRegrParameters()[1], 1e-12);
     // A regressor that is not a category: 410022 and no prediction.
     s.SetRegressors({3});
-    RegrRun bad(s, cols, varList(2, {1}));
-    EXPECT_EQ(bad.count(410022), 1);
+    RegrRun bad(s, cols, ScaleVars(2, {1}));
+    EXPECT_EQ(bad.Count(410022), 1);
     EXPECT_TRUE(MCMV::IsMissing(bad.result().GetPredictedBayesEstimation().GetMean()));
 }

@@ -1,47 +1,18 @@
 // The regression Bayes factors against high-precision integrals of their
 // definitions (tests/data/regr_factors_reference.py) and closed forms.
 #include <cmath>
-#include <fstream>
-#include <sstream>
 
 #include "bsn/regression/bsnmultipleregrfullfactor.h"
 #include "bsn/regression/bsnmultipleregrnullfactor.h"
+#include "tests/onesample/extremedata.h"
 #include "tests/regression/regrtestsupport.h"
 
 using namespace regrtest;
+using extremedata::num;
 using MCBSN_850::BSNMultipleRegrFullFactor;
 using MCBSN_850::BSNMultipleRegrNullFactor;
 
 namespace {
-
-struct FactorCase {
-    std::string compare, method;
-    double N, p, pF, R2, RF2, par, logbf;
-};
-
-std::vector<FactorCase> factorCases() {
-    std::ifstream in(dataPath("regr_factors_reference.csv"));
-    std::string line;
-    std::getline(in, line);
-    std::vector<FactorCase> cases;
-    while (std::getline(in, line)) {
-        std::stringstream ss(line);
-        FactorCase c;
-        std::string f[9];
-        for (auto& x : f) std::getline(ss, x, ',');
-        c.compare = f[0];
-        c.method = f[1];
-        c.N = std::stod(f[2]);
-        c.p = std::stod(f[3]);
-        c.pF = std::stod(f[4]);
-        c.R2 = std::stod(f[5]);
-        c.RF2 = std::stod(f[6]);
-        c.par = std::stod(f[7]);
-        c.logbf = std::stod(f[8]);
-        cases.push_back(c);
-    }
-    return cases;
-}
 
 BC::RegrCompute methodOf(const std::string& m) {
     if (m == "siow") return BC::Siow;
@@ -53,23 +24,26 @@ BC::RegrCompute methodOf(const std::string& m) {
 } // namespace
 
 TEST(RegressionFactors, AgreeWithHighPrecisionIntegrals) {
-    const auto cases = factorCases();
-    ASSERT_EQ(cases.size(), 15u);
-    for (const auto& c : cases) {
+    const auto rows = extremedata::read("regr_factors_reference.csv");
+    ASSERT_EQ(rows.size(), 15u);
+    for (const auto& row : rows) {
+        const std::string compare = row[0], method = row[1];
+        const double N = num(row[2]), p = num(row[3]), pF = num(row[4]), R2 = num(row[5]), RF2 = num(row[6]);
+        const double logbf = num(row[8]);
         BSNSettings s;
-        s.SetRegrCompType(methodOf(c.method));
-        if (c.method != "siow") s.SetRegrComPar(c.par);
+        s.SetRegrCompType(methodOf(method));
+        if (method != "siow") s.SetRegrComPar(num(row[7]));
         std::unique_ptr<MCBSN_850::BSNMultipleRegrFactor> f;
-        if (c.compare == "null") f = std::make_unique<BSNMultipleRegrNullFactor>(s, c.N, c.p, c.R2);
-        else f = std::make_unique<BSNMultipleRegrFullFactor>(s, c.N, c.p, c.pF, c.R2, c.RF2);
-        const std::string what = c.compare + " " + c.method + " N=" + std::to_string(c.N);
+        if (compare == "null") f = std::make_unique<BSNMultipleRegrNullFactor>(s, N, p, R2);
+        else f = std::make_unique<BSNMultipleRegrFullFactor>(s, N, p, pF, R2, RF2);
+        const std::string what = compare + " " + method + " N=" + row[2];
         EXPECT_TRUE(f->Compute().IsOK()) << what;
         // The quadrature runs at the default relative tolerance 1e-6.
-        EXPECT_NEAR(f->GetLogBayesFactor(), c.logbf, 1e-5 * std::max(1.0, std::fabs(c.logbf))) << what;
-        if (std::fabs(c.logbf) < 700.0) {
-            EXPECT_NEAR(f->GetBayesFactor() / std::exp(c.logbf), 1.0, 2e-5) << what;
+        EXPECT_NEAR(f->GetLogBayesFactor(), logbf, 1e-5 * std::max(1.0, std::fabs(logbf))) << what;
+        if (std::fabs(logbf) < 700.0) {
+            EXPECT_NEAR(f->GetBayesFactor() / std::exp(logbf), 1.0, 2e-5) << what;
             EXPECT_FALSE(f->IsLogBayesFactor()) << what;
-        } else if (c.method != "zellner") {
+        } else if (method != "zellner") {
             // An integral that overflows is not stored; its log still is.
             EXPECT_TRUE(MCMV::IsMissing(f->GetBayesFactor())) << what;
         }
@@ -130,19 +104,16 @@ TEST(RegressionFactors, ClosedFormsAndEdges) {
 TEST(RegressionFactors, HugeSampleThroughWeightsGivesTheLogFlaggedZellnerFactor) {
     // Four records with weight 2.5e8 each: N = 1e9, R squared near 1.
     std::vector<std::vector<double>> cols = {{0, 1, 2, 3}, {1, 3.001, 4.999, 7.0005}, {2.5e8, 2.5e8, 2.5e8, 2.5e8}};
-    BSNSettings s;
-    s.SetModelType(BC::Regression, true);
-    s.SetDependVar(1);
-    s.SetCovariates({0});
+    BSNSettings s = regression(1, {0});
     s.SetFrequencyWeightVar(2);
     s.SetAnalysType(BC::Both);
     s.SetRegrCompType(BC::Zellner);
     s.SetRegrComPar(1e9);
-    RegrRun run(s, cols, varList(3));
+    RegrRun run(s, cols);
     ASSERT_TRUE(run.status.IsOK()) << run.status.GetCode();
     const auto& r = run.result();
     EXPECT_EQ(r.GetNCases(), 1e9);
-    EXPECT_EQ(run.count(410041), 1);
+    EXPECT_EQ(run.Count(410041), 1);
     EXPECT_TRUE(r.IsLogBayesFactor());
     const double R2 = r.GetRSquared(), N = 1e9, g = 1e9;
     const double L = (N - 2) / 2 * std::log1p(g) + (1 - N) / 2 * std::log1p((1 - R2) * g);
@@ -153,10 +124,10 @@ TEST(RegressionFactors, HugeSampleThroughWeightsGivesTheLogFlaggedZellnerFactor)
     // Under Siow the same near-perfect fit (1 - R^2 below the tolerance)
     // gives warning 410014 and no factor at all.
     s.SetRegrCompType(BC::Siow);
-    RegrRun siow(s, cols, varList(3));
+    RegrRun siow(s, cols);
     ASSERT_TRUE(siow.status.IsOK());
     EXPECT_LT(1.0 - R2, 1e-6);
-    EXPECT_EQ(siow.count(410014), 1);
+    EXPECT_EQ(siow.Count(410014), 1);
     EXPECT_TRUE(MCMV::IsMissing(siow.result().GetBayesFactor()));
     EXPECT_FALSE(siow.result().IsLogBayesFactor());
     EXPECT_TRUE(MCMV::IsMissing(siow.result().GetLogBayesFactor()));

@@ -12,12 +12,9 @@ namespace {
 
 // y ~ g (3 categories) + x1 + x2, frequency and regression weights.
 BSNSettings smallSettings() {
-    BSNSettings s;
-    s.SetModelType(BC::Regression, true);
-    s.SetDependVar(0);
+    BSNSettings s = regression(0, {1, 2});
     s.SetFactors({3});
     s.SetFactorNCategs({3});
-    s.SetCovariates({1, 2});
     s.SetFrequencyWeightVar(5);
     s.SetRegrWeightVar(6);
     s.SetAnalysType(BC::Both);
@@ -37,80 +34,77 @@ const auto& reference() {
     return ref;
 }
 
-} // namespace
+// A run over tests/data/regr_small.csv (v3 and v4 nominal).
+struct SmallRun : RegrRun {
+    explicit SmallRun(const BSNSettings& s) : RegrRun(s, readColumns("regr_small.csv"), ScaleVars(7, {3, 4})) {}
+};
 
-TEST(RegressionFit, LeastSquaresAndAnovaAgreeWithWeightedLm) {
+// What both priors give against their reference values under prefix p
+// ("ref" or "conj"): the coefficients' posteriors (the redundant one, index
+// 3, has mean 0 and nothing else), that of sigma^2, the prediction, and the
+// overall and the one custom F test.
+void expectPosterior(const BSNMultiRegOutputStats& r, const std::string& p) {
     const auto& ref = reference();
-    {
-        BSNSettings s = smallSettings();
-        s.SetPriorType(BC::Reference);
-        RegrRun run(s, readColumns("regr_small.csv"), varList(7, {3, 4}));
-        ASSERT_TRUE(run.status.IsOK()) << run.status.GetCode();
-        const auto& r = run.result();
-        const auto& b = r.GetRegrParameters();
-        ASSERT_EQ(b.size(), 6u);
-        for (std::size_t i = 0; i < 6; ++i) expectRel(b[i], ref.at("coef")[i], 1e-10, "coef " + std::to_string(i));
-        EXPECT_EQ(r.GetRedundancy(), (std::vector<bool>{false, false, false, true, false, false}));
-        expectRel(r.GetRSquared(), ref.at("r2")[0], 1e-12, "R2");
-        expectRel(r.GetAdjRSquared(), ref.at("adjr2")[0], 1e-12, "adj R2");
-        const auto& a = r.GetAnova();
-        expectRel(a.regressionSS, ref.at("ss")[0], 1e-10, "SSR");
-        expectRel(a.residualSS, ref.at("ss")[1], 1e-10, "SSE");
-        expectRel(a.totalSS, ref.at("ss")[2], 1e-10, "SST");
-        EXPECT_EQ(a.regressionDF, ref.at("df")[0]);
-        EXPECT_EQ(a.residualDF, ref.at("df")[1]);
-        EXPECT_EQ(a.totalDF, ref.at("df")[2]);
-        expectRel(a.residualMS, ref.at("ss")[1] / ref.at("df")[1], 1e-10, "MSE");
-        expectRel(a.f, ref.at("f")[0], 1e-9, "F");
-        expectRel(a.sig / ref.at("fsig")[0], 1.0, 1e-8, "significance");
-        expectRel(r.GetSigmaSquared(), ref.at("ss")[1] / ref.at("df")[1], 1e-10, "sigma2");
-        EXPECT_EQ(r.GetNCases(), ref.at("N")[0]);
-    }
-}
-
-TEST(RegressionFit, ReferencePosteriorMatchesMatrixFormulas) {
-    const auto& ref = reference();
-    BSNSettings s = smallSettings();
-    s.SetPriorType(BC::Reference);
-    RegrRun run(s, readColumns("regr_small.csv"), varList(7, {3, 4}));
-    ASSERT_TRUE(run.status.IsOK());
-    const auto& r = run.result();
     const auto& est = r.GetVarCoeffBayesEstimations();
     const std::vector<int> keep = {0, 1, 2, 4, 5};
     for (std::size_t j = 0; j < keep.size(); ++j) {
         const auto& e = est[static_cast<std::size_t>(keep[j])];
-        expectRel(e.GetVariance(), ref.at("ref_var")[j], 1e-9, "variance " + std::to_string(j));
-        expectRel(e.GetLower(), ref.at("ref_lower")[j], 1e-9, "lower " + std::to_string(j));
-        EXPECT_NEAR(e.GetLower() + e.GetUpper(), 2 * e.GetMean(), 1e-9);
+        const std::string what = p + " coefficient " + std::to_string(j);
+        if (p == "conj") expectRel(e.GetMean(), ref.at("conj_mean")[j], 1e-9, what);
+        expectRel(e.GetVariance(), ref.at(p + "_var")[j], 1e-9, what);
+        expectRel(e.GetLower(), ref.at(p + "_lower")[j], 1e-9, what);
+        EXPECT_NEAR(e.GetLower() + e.GetUpper(), 2 * e.GetMean(), 1e-9) << what;
     }
-    // The redundant parameter: mode and mean 0, nothing else.
     EXPECT_EQ(est[3].GetMode(), 0.0);
     EXPECT_EQ(est[3].GetMean(), 0.0);
     EXPECT_TRUE(MCMV::IsMissing(est[3].GetVariance()));
     EXPECT_TRUE(MCMV::IsMissing(est[3].GetLower()));
     const auto& e = r.GetErrorBayesEstimation();
-    const auto& sig = ref.at("ref_sigma2");
-    expectRel(e.GetMode(), sig[0], 1e-10, "sigma2 mode");
-    expectRel(e.GetMean(), sig[1], 1e-10, "sigma2 mean");
-    expectRel(e.GetVariance(), sig[2], 1e-10, "sigma2 variance");
-    expectRel(e.GetLower(), sig[3], 1e-9, "sigma2 lower");
-    expectRel(e.GetUpper(), sig[4], 1e-9, "sigma2 upper");
-    const auto& p = r.GetPredictedBayesEstimation();
-    const auto& pr = ref.at("ref_pred");
-    expectRel(p.GetMean(), pr[0], 1e-10, "prediction");
-    expectRel(p.GetVariance(), pr[1], 1e-9, "prediction variance");
-    expectRel(p.GetLower(), pr[2], 1e-9, "prediction lower");
-    expectRel(p.GetUpper(), pr[3], 1e-9, "prediction upper");
-    expectRel(r.GetFStat(), ref.at("ref_fall")[0], 1e-9, "overall F");
+    const double sigma2[] = {e.GetMode(), e.GetMean(), e.GetVariance(), e.GetLower(), e.GetUpper()};
+    for (std::size_t k = 0; k < 5; ++k)
+        expectRel(sigma2[k], ref.at(p + "_sigma2")[k], k < 3 ? 1e-10 : 1e-9, p + " sigma2 " + std::to_string(k));
+    const auto& y = r.GetPredictedBayesEstimation();
+    const double pred[] = {y.GetMean(), y.GetVariance(), y.GetLower(), y.GetUpper()};
+    for (std::size_t k = 0; k < 4; ++k)
+        expectRel(pred[k], ref.at(p + "_pred")[k], k == 0 ? 1e-10 : 1e-9, p + " prediction " + std::to_string(k));
+    expectRel(r.GetFStat(), ref.at(p + "_fall")[0], 1e-9, p + " overall F");
     ASSERT_EQ(r.GetFTestResults().size(), 1u);
-    expectRel(r.GetFTestResults()[0].GetWald(), ref.at("ref_ftest")[0], 1e-9, "F test");
-    EXPECT_NEAR(r.GetFTestResults()[0].GetSig(), ref.at("ref_ftest")[1], 1e-12);
+    expectRel(r.GetFTestResults()[0].GetWald(), ref.at(p + "_ftest")[0], 1e-9, p + " F test");
+    EXPECT_NEAR(r.GetFTestResults()[0].GetSig(), ref.at(p + "_ftest")[1], 1e-12);
     EXPECT_EQ(r.GetFTestResults()[0].GetDF(), 2.0);
+}
+
+} // namespace
+
+TEST(RegressionFit, LeastSquaresAnovaAndReferencePosteriorAgreeWithR) {
+    const auto& ref = reference();
+    BSNSettings s = smallSettings();
+    s.SetPriorType(BC::Reference);
+    SmallRun run(s);
+    ASSERT_TRUE(run.status.IsOK()) << run.status.GetCode();
+    const auto& r = run.result();
+    const auto& b = r.GetRegrParameters();
+    ASSERT_EQ(b.size(), 6u);
+    for (std::size_t i = 0; i < 6; ++i) expectRel(b[i], ref.at("coef")[i], 1e-10, "coef " + std::to_string(i));
+    EXPECT_EQ(r.GetRedundancy(), (std::vector<bool>{false, false, false, true, false, false}));
+    expectRel(r.GetRSquared(), ref.at("r2")[0], 1e-12, "R2");
+    expectRel(r.GetAdjRSquared(), ref.at("adjr2")[0], 1e-12, "adj R2");
+    const auto& a = r.GetAnova();
+    const double ss[] = {a.regressionSS, a.residualSS, a.totalSS}, df[] = {a.regressionDF, a.residualDF, a.totalDF};
+    for (std::size_t k = 0; k < 3; ++k) {
+        expectRel(ss[k], ref.at("ss")[k], 1e-10, "SS " + std::to_string(k));
+        EXPECT_EQ(df[k], ref.at("df")[k]) << k;
+    }
+    expectRel(a.residualMS, ref.at("ss")[1] / ref.at("df")[1], 1e-10, "MSE");
+    expectRel(a.f, ref.at("f")[0], 1e-9, "F");
+    expectRel(a.sig / ref.at("fsig")[0], 1.0, 1e-8, "significance");
+    expectRel(r.GetSigmaSquared(), ref.at("ss")[1] / ref.at("df")[1], 1e-10, "sigma2");
+    EXPECT_EQ(r.GetNCases(), ref.at("N")[0]);
+    expectPosterior(r, "ref");
     EXPECT_EQ(r.GetFTestResults()[0].GetDF2(), ref.at("ref_nu")[0]);
 }
 
 TEST(RegressionFit, ConjugatePosteriorMatchesMatrixFormulas) {
-    const auto& ref = reference();
     BSNSettings s = smallSettings();
     s.SetPriorType(BC::Conjugate);
     s.SetPriorShape(3);
@@ -118,36 +112,13 @@ TEST(RegressionFit, ConjugatePosteriorMatchesMatrixFormulas) {
     // The prior mean of the redundant parameter (index 3) plays no part.
     s.SetPriorMeans({1, 0.5, -0.5, 123.0, 0.7, -0.2});
     s.SetPriorCovMatrix({4, 0.5, 2, 0.2, 0.1, 3, 0, 0, 0, 1, 0.3, 0, 0.1, 0, 1.5, 0.1, 0, 0, 0, 0.2, 0.8});
-    RegrRun run(s, readColumns("regr_small.csv"), varList(7, {3, 4}));
+    SmallRun run(s);
     ASSERT_TRUE(run.status.IsOK()) << run.status.GetCode();
-    EXPECT_EQ(run.count(410021), 0);
+    EXPECT_EQ(run.Count(410021), 0);
     const auto& r = run.result();
-    const auto& est = r.GetVarCoeffBayesEstimations();
-    const std::vector<int> keep = {0, 1, 2, 4, 5};
-    for (std::size_t j = 0; j < keep.size(); ++j) {
-        const auto& e = est[static_cast<std::size_t>(keep[j])];
-        expectRel(e.GetMean(), ref.at("conj_mean")[j], 1e-9, "mean " + std::to_string(j));
-        expectRel(e.GetVariance(), ref.at("conj_var")[j], 1e-9, "variance " + std::to_string(j));
-        expectRel(e.GetLower(), ref.at("conj_lower")[j], 1e-9, "lower " + std::to_string(j));
-    }
-    EXPECT_EQ(est[3].GetMean(), 0.0);
-    const auto& e = r.GetErrorBayesEstimation();
-    const auto& sig = ref.at("conj_sigma2");
-    expectRel(e.GetMode(), sig[0], 1e-10, "sigma2 mode");
-    expectRel(e.GetMean(), sig[1], 1e-10, "sigma2 mean");
-    expectRel(e.GetVariance(), sig[2], 1e-10, "sigma2 variance");
-    expectRel(e.GetLower(), sig[3], 1e-9, "sigma2 lower");
-    expectRel(e.GetUpper(), sig[4], 1e-9, "sigma2 upper");
-    const auto& p = r.GetPredictedBayesEstimation();
-    const auto& pr = ref.at("conj_pred");
-    expectRel(p.GetMean(), pr[0], 1e-10, "prediction");
-    expectRel(p.GetVariance(), pr[1], 1e-9, "prediction variance");
-    expectRel(p.GetLower(), pr[2], 1e-9, "prediction lower");
-    expectRel(p.GetUpper(), pr[3], 1e-9, "prediction upper");
-    expectRel(r.GetFStat(), ref.at("conj_fall")[0], 1e-9, "overall F");
-    expectRel(r.GetFTestResults()[0].GetWald(), ref.at("conj_ftest")[0], 1e-9, "F test");
-    EXPECT_NEAR(r.GetFTestResults()[0].GetSig(), ref.at("conj_ftest")[1], 1e-12);
+    expectPosterior(r, "conj");
     // Scoring keeps the posterior mean and the posterior covariance factor.
+    const auto& est = r.GetVarCoeffBayesEstimations();
     EXPECT_EQ(r.GetScoringCoefficients()[1], est[1].GetMean());
     EXPECT_EQ(r.GetPosteriorCovFactor().Size(), 6);
     EXPECT_NEAR(r.GetPredIntervalScale() * r.GetPosteriorCovFactor().Get(1, 1) * r.GetTQuantile() *
@@ -156,9 +127,9 @@ TEST(RegressionFit, ConjugatePosteriorMatchesMatrixFormulas) {
 
     // A covariance of the wrong size falls back to the identity (410021).
     s.SetPriorCovMatrix({1, 0, 1});
-    RegrRun fallback(s, readColumns("regr_small.csv"), varList(7, {3, 4}));
+    SmallRun fallback(s);
     ASSERT_TRUE(fallback.status.IsOK());
-    const auto* w = fallback.warning(410021);
+    const auto* w = fallback.Warning(410021);
     ASSERT_NE(w, nullptr);
     EXPECT_EQ(w->GetDiscreteDatum(0), 21);
     EXPECT_EQ(w->GetDiscreteDatum(1), 3);
@@ -167,10 +138,10 @@ TEST(RegressionFit, ConjugatePosteriorMatchesMatrixFormulas) {
     // Missing shape: 410019; prior means of the wrong length: 410020 (n, given).
     BSNSettings noShape = s;
     noShape.SetPriorShape(kMiss);
-    EXPECT_EQ(RegrRun(noShape, readColumns("regr_small.csv"), varList(7, {3, 4})).status.GetCode(), 410019);
+    EXPECT_EQ(SmallRun(noShape).status.GetCode(), 410019);
     BSNSettings shortMeans = s;
     shortMeans.SetPriorMeans({1, 2});
-    RegrRun bad(shortMeans, readColumns("regr_small.csv"), varList(7, {3, 4}));
+    SmallRun bad(shortMeans);
     EXPECT_EQ(bad.status.GetCode(), 410020);
     EXPECT_EQ(bad.status.GetDiscreteDatum(0), 6);
     EXPECT_EQ(bad.status.GetDiscreteDatum(1), 2);
@@ -185,7 +156,7 @@ TEST(RegressionFit, FullModelRSquaredAndFactorDirection) {
     s.SetFullModFactors({3, 4});
     s.SetFullModFactorNCategs({3, 4});
     s.SetFullModCovariates({1, 2});
-    RegrRun run(s, readColumns("regr_small.csv"), varList(7, {3, 4}));
+    SmallRun run(s);
     ASSERT_TRUE(run.status.IsOK());
     const auto& r = run.result();
     expectRel(r.GetRSquaredFull(), ref.at("r2full")[0], 1e-12, "full R2");
@@ -256,12 +227,8 @@ TEST(RegressionFit, DataFarFromZeroKeepsItsPrecision) {
         near[0].push_back(far[0][static_cast<std::size_t>(i)] - 1e9);
         near[1].push_back(far[1][static_cast<std::size_t>(i)] - 3e9);
     }
-    BSNSettings s;
-    s.SetModelType(BC::Regression, true);
-    s.SetDependVar(1);
-    s.SetCovariates({0});
-    s.SetPriorType(BC::Reference);
-    RegrRun a(s, far, varList(2)), b(s, near, varList(2));
+    const BSNSettings s = regression(1, {0});
+    RegrRun a(s, far), b(s, near);
     ASSERT_TRUE(a.status.IsOK()) << a.status.GetCode();
     ASSERT_TRUE(b.status.IsOK());
     EXPECT_EQ(a.result().GetRedundancy(), (std::vector<bool>{false, false}));
@@ -280,14 +247,6 @@ TEST(RegressionFit, DataFarFromZeroKeepsItsPrecision) {
 
 TEST(RegressionFit, ErrorsBeforeAndAfterThePass) {
     std::vector<std::vector<double>> cols = {{1, 2, 3, 4, 5}, {2, 2, 2, 2, 2}, {0, 1, 0, 1, 0}};
-    auto settings = [] {
-        BSNSettings s;
-        s.SetModelType(BC::Regression, true);
-        s.SetDependVar(0);
-        s.SetCovariates({1});
-        s.SetPriorType(BC::Reference);
-        return s;
-    };
     struct Case {
         const char* what;
         std::function<void(BSNSettings&, MCXML_850::MCVarList&)> setup;
@@ -314,8 +273,8 @@ TEST(RegressionFit, ErrorsBeforeAndAfterThePass) {
          0},
     };
     for (const auto& c : cases) {
-        BSNSettings s = settings();
-        MCXML_850::MCVarList v = varList(3, {2});
+        BSNSettings s = regression(0, {1});
+        MCXML_850::MCVarList v = ScaleVars(3, {2});
         c.setup(s, v);
         RegrRun run(s, cols, v);
         EXPECT_EQ(run.status.GetCode(), c.code) << c.what;
@@ -326,29 +285,23 @@ TEST(RegressionFit, ErrorsBeforeAndAfterThePass) {
 TEST(RegressionFit, ParameterLimits) {
     // 4999 parameters pass the check (and meet the empty data); 5000 do not.
     for (int size : {4997, 4998}) {
-        BSNSettings s;
-        s.SetModelType(BC::Regression, true);
-        s.SetDependVar(0);
+        BSNSettings s = regression(0, {2});
         s.SetFactors({1});
         s.SetFactorNCategs({size});
-        s.SetCovariates({2});
-        RegrRun run(s, {{}, {}, {}}, varList(3, {1}));
+        RegrRun run(s, {{}, {}, {}}, ScaleVars(3, {1}));
         EXPECT_EQ(run.status.GetCode(), size == 4997 ? 410003 : 410057) << size;
     }
     // The full model's limit counts categories and covariates: 5000 drops the
     // Bayes factor with 410058, 4999 does not.
     for (int size : {4998, 4999}) {
-        BSNSettings s;
-        s.SetModelType(BC::Regression, true);
-        s.SetDependVar(0);
-        s.SetCovariates({2});
+        BSNSettings s = regression(0, {2});
         s.SetAnalysType(BC::BayesFactor);
         s.SetCompareType(BC::CompareFull);
         s.SetFullModFactors({1});
         s.SetFullModFactorNCategs({size});
         s.SetFullModCovariates({2});
-        RegrRun run(s, {{}, {}, {}}, varList(3, {1}));
-        EXPECT_EQ(run.count(410058), size == 4999 ? 1 : 0) << size;
+        RegrRun run(s, {{}, {}, {}}, ScaleVars(3, {1}));
+        EXPECT_EQ(run.Count(410058), size == 4999 ? 1 : 0) << size;
     }
 }
 
@@ -357,34 +310,26 @@ TEST(RegressionFit, PerfectFitAndFewCases) {
     // with the null comparison.
     std::vector<std::vector<double>> cols = {{0, 1, 2, 3, 4, 5}, {1, 3, 5, 7, 9, 11}};
     for (auto method : {BC::Siow, BC::Zellner, BC::Hyper}) {
-        BSNSettings s;
-        s.SetModelType(BC::Regression, true);
-        s.SetDependVar(1);
-        s.SetCovariates({0});
+        BSNSettings s = regression(1, {0});
         s.SetAnalysType(BC::BayesFactor);
         s.SetRegrCompType(method);
         s.SetRegrComPar(method == BC::Zellner ? 6.0 : 3.0);
-        RegrRun run(s, cols, varList(2));
+        RegrRun run(s, cols);
         ASSERT_TRUE(run.status.IsOK());
-        EXPECT_EQ(run.count(410014), method == BC::Zellner ? 0 : 1);
+        EXPECT_EQ(run.Count(410014), method == BC::Zellner ? 0 : 1);
         EXPECT_EQ(MCMV::IsMissing(run.result().GetBayesFactor()), method != BC::Zellner);
         EXPECT_FALSE(run.result().IsLogBayesFactor());
     }
     // Fewer cases than parameters: k falls to N, residual df 0, no mean
     // square and no F.
-    BSNSettings s;
-    s.SetModelType(BC::Regression, true);
-    s.SetDependVar(0);
-    s.SetCovariates({1, 2, 3});
-    s.SetPriorType(BC::Reference);
-    RegrRun few(s, {{1, 4, 2}, {0, 1, 3}, {5, 2, 2}, {1, 1, 7}}, varList(4));
+    RegrRun few(regression(0, {1, 2, 3}), {{1, 4, 2}, {0, 1, 3}, {5, 2, 2}, {1, 1, 7}});
     ASSERT_TRUE(few.status.IsOK()) << few.status.GetCode();
     const auto& a = few.result().GetAnova();
     EXPECT_EQ(a.residualDF, 0.0);
     EXPECT_EQ(a.regressionDF, 2.0);
     EXPECT_TRUE(MCMV::IsMissing(a.residualMS));
     EXPECT_TRUE(MCMV::IsMissing(a.f));
-    EXPECT_EQ(few.count(410024), 1);
+    EXPECT_EQ(few.Count(410024), 1);
 }
 
 TEST(RegressionFit, FTestWarnings) {
@@ -411,10 +356,10 @@ TEST(RegressionFit, FTestWarnings) {
         t.SetUseIntercept(c.intercept);
         t.SetTestValues(c.values);
         s.SetFTests({t});
-        RegrRun run(s, readColumns("regr_small.csv"), varList(7, {3, 4}));
+        SmallRun run(s);
         ASSERT_TRUE(run.status.IsOK());
         const auto& f = run.result().GetFTestResults()[0];
-        for (int code : {410043, 410044, 410048}) EXPECT_EQ(run.count(code), code == c.warning ? 1 : 0) << code;
+        for (int code : {410043, 410044, 410048}) EXPECT_EQ(run.Count(code), code == c.warning ? 1 : 0) << code;
         EXPECT_EQ(MCMV::IsMissing(f.GetWald()), c.warning != 0);
         if (c.warning == 0) {
             EXPECT_EQ(f.GetDF(), 2.0);
