@@ -19,6 +19,7 @@
 #include "bsn/frame/bsncomponentdisplay.h"
 #include "cli/helptext.h"
 #include "cli/resultview.h"
+#include "cli/scoring.h"
 #include "cli/settingsjson.h"
 #include "cli/svgplot.h"
 #include "platform/common/mcmessages.h"
@@ -242,6 +243,7 @@ struct Outcome {
     bool built = false;
     bool haveResults = false;
     ResultView view;
+    ModelOutputReport modelOutputs;
 };
 
 // The test variable a build warning's datum 0 points at: its position in
@@ -341,7 +343,7 @@ Inputs loadInputs(const RunOptions& options, std::ostream& err) {
 
 // Builds the model on checked settings, with cancellation by Ctrl-C (unless
 // the caller brings its own cancel query) and progress on a terminal.
-void buildModel(const RunOptions& options, Inputs& in, std::ostream& err, Outcome& outcome) {
+void buildModel(const RunOptions& options, Inputs& in, std::ostream& out, std::ostream& err, Outcome& outcome) {
     BSNComponent component(in.settings, in.data.varList);
     MCCommon_850::MCAtomicCancel ownCancel;
     std::unique_ptr<InterruptGuard> interrupt;
@@ -366,19 +368,21 @@ void buildModel(const RunOptions& options, Inputs& in, std::ostream& err, Outcom
         if (!outcome.haveResults)
             err << fmt::format("bsn: note: no report for result kind {} ({})\n",
                                static_cast<int>(result->GetOutputType()), EnumWord(result->GetOutputType()));
+        if (WantsModelOutputs(options)) outcome.modelOutputs = WriteModelOutputs(options, *result, in.data, out);
     }
 }
 
 int runChecked(const RunOptions& options, std::ostream& out, std::ostream& err) {
     Inputs in = loadInputs(options, err);
+    CheckModelOutputOptions(options, in.settings);
     Outcome outcome;
     outcome.status = in.settings.IsValidSettings();
     const bool refused = outcome.status.IsError();
     outcome.warnings = in.settings.GetWarningMessages().GetAll();
     const std::size_t nValidationWarnings = outcome.warnings.size();
-    if (!refused) buildModel(options, in, err, outcome);
+    if (!refused) buildModel(options, in, out, err, outcome);
 
-    const bool jsonOnOut = options.jsonPath == "-";
+    const bool jsonOnOut = options.jsonPath == "-" || ScoresToStdout(options);
     std::ostream& report = jsonOnOut ? err : out;
     if (!options.quiet && !jsonOnOut && !refused) {
         const BSNSettings& s = in.settings;
@@ -389,6 +393,9 @@ int runChecked(const RunOptions& options, std::ostream& out, std::ostream& err) 
     }
     printStatusAndWarnings(report, outcome, nValidationWarnings, in.settings, in.data);
     if (!options.jsonPath.empty()) writeJson(options, outcome, out);
+    if (!refused)
+        if (const int code = ReportModelOutputs(options, outcome.modelOutputs, outcome.built, report, err); code != 0)
+            return code;
     if (!options.plotsDir.empty() && outcome.haveResults) {
         const auto written = WritePlots(outcome.view.plots, options.plotsDir);
         if (!options.quiet) report << fmt::format("Plots: {} file(s) in {}\n", written.size(), options.plotsDir);
@@ -430,6 +437,17 @@ int Main(int argc, const char* const* argv, std::ostream& out, std::ostream& err
                                                  "into DIR")
         ->type_name("DIR");
     run->add_flag("-q,--quiet", options.quiet, "No tables; only warnings and status");
+    run->add_option("--pmml", options.pmmlPath, "Regression and ANOVA: write the fitted model as a PMML 4.4 document "
+                                                "to PATH")
+        ->type_name("PATH");
+    run->add_flag("--pmml-covariance", options.pmmlCovariance, "With --pmml: add the posterior covariance of the "
+                                                               "coefficients (PCovMatrix)");
+    run->add_option("--score", options.scorePath, "Regression and ANOVA: score every record of NEW (a CSV file with "
+                                                  "the predictors' columns)")
+        ->type_name("NEW");
+    run->add_option("--scores", options.scoresPath, "Where the scores of --score go (default '-': stdout, then no "
+                                                    "tables)")
+        ->type_name("PATH");
     run->footer(RunHelpFooter());
     try {
         app.parse(argc, argv);

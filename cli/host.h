@@ -21,6 +21,13 @@ struct RunOptions {
     std::string plotsDir;   // empty: no plots
     bool quiet = false;     // no tables
     bool progress = false;  // progress line on the error stream
+    // Regression and ANOVA models: the PMML document (with the posterior
+    // covariance when asked), and the records of scorePath scored to
+    // scoresPath (empty or "-": stdout, then no tables). See cli/scoring.h.
+    std::string pmmlPath;
+    bool pmmlCovariance = false;
+    std::string scorePath;
+    std::string scoresPath;
     // The cancel query handed to the analysis; null makes the host use its
     // own, set by Ctrl-C.
     MCCommon_850::MCQueryCancel* cancel = nullptr;

@@ -2,6 +2,8 @@
 // Messages of the platform's own status codes (the library's codes
 // 410001-410060 have their own table). Codes in use:
 //   420001  numerical integration stopped at its iteration limit (warning)
+//   102     a factor or covariate of a PMML model is not in the variable list (error)
+//   303     a PMML document could not be written (error)
 #include <string>
 
 namespace MCCommon_850 {
