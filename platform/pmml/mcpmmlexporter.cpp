@@ -2,6 +2,9 @@
 
 #include <algorithm>
 #include <charconv>
+#include <ostream>
+
+#include "platform/display/mcdisplay.h"
 
 namespace MCCommon_850 {
 
@@ -102,6 +105,16 @@ XMLElement* MCPMMLExporter::ExportExtension(XMLElement* parent, const std::strin
     e->SetAttribute("name", name.c_str());
     e->SetAttribute("value", value.c_str());
     return e;
+}
+
+void MCPMMLExporter::Display(std::ostream& os) const {
+    using namespace MCDisplay_850;
+    StreamGuard guard(os);
+    DisplayText(0, "MCPMMLExporter display start");
+    DisplayS("Application", m_application);
+    DisplayS("Version", m_version);
+    DisplayS("Extender", m_extender);
+    DisplayText(0, "MCPMMLExporter display end");
 }
 
 } // namespace MCCommon_850

@@ -55,6 +55,8 @@ public:
     // The shortest text that reads back as the same double.
     static std::string FormatReal(double value);
 
+    void Display(std::ostream& os) const;
+
 private:
     std::string m_application;
     std::string m_version;

@@ -271,12 +271,17 @@ TEST(PmmlExport, StatusesForMissingVariablesAndBadInputs) {
         BSNSettings settings = modelSettings('A');
         BSNPMMLExporter exporter(settings, rs, *c.vars);
         exporter.SetTotalWeight(40);
-        if (c.checkFirst) EXPECT_EQ(exporter.CheckConsistency().GetCode(), c.code) << c.name;
+        if (c.checkFirst) {
+            EXPECT_EQ(exporter.CheckConsistency().GetCode(), c.code) << c.name;
+        }
         std::ostringstream os;
         const MCStatus s = exporter.ExportPMML(os, c.covariance);
         EXPECT_EQ(s.GetCode(), c.code) << c.name;
         EXPECT_EQ(exporter.GetStatus(), s) << c.name;
         if (c.code == 0) {
+            std::ostringstream dump;
+            exporter.Display(dump);
+            EXPECT_NE(dump.str().find("Active covariates: [1, 2]"), std::string::npos) << dump.str();
             const auto problems = pmmltest::CheckAgainstSchema(os.str());
             EXPECT_TRUE(problems.empty()) << c.name << "\n" << pmmltest::JoinProblems(problems);
             continue;
