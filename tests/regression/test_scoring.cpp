@@ -122,16 +122,6 @@ TEST(Scoring, PosteriorPartsFollowThePosteriorAndTheSetting) {
                 EXPECT_TRUE(MCMV::IsMissing(e.GetLower())) << what;
                 EXPECT_TRUE(MCMV::IsMissing(e.GetUpper())) << what;
             }
-            // The result's own prediction of the same record (the settings'
-            // regressors) is the same posterior predictive.
-            if (variances) {
-                BSNSettings withRegressors = s;
-                withRegressors.SetRegressors({1, 1.5, 9});
-                RegrRun r2(withRegressors, readColumns("regr_small.csv"), varList(kNColumns, {kG, kH}));
-                const auto& p = r2.result().GetPredictedBayesEstimation();
-                EXPECT_NEAR(p.GetVariance(), e.GetVariance(), 1e-12 * e.GetVariance()) << what;
-                EXPECT_NEAR(p.GetLower(), e.GetLower(), 1e-12 * std::fabs(e.GetLower()) + 1e-12) << what;
-            }
         }
     }
 
