@@ -56,6 +56,23 @@ void BM_JZSQuadrature(benchmark::State& state) {
 }
 BENCHMARK(BM_JZSQuadrature)->ArgsProduct({{0, 1, 2, 3, 4}, {8, 6}});
 
+// The log of the factor as the procedures compute it: a search for the
+// integrand's peak, then the quadrature of the scaled integrand. The last
+// case is one where the factor itself underflows.
+void BM_JZSLogQuadrature(benchmark::State& state) {
+    const Case c = state.range(0) < 5 ? kCases[state.range(0)] : Case{1e9, 100.0};
+    int iterations = 0;
+    for (auto _ : state) {
+        MCBSN_850::BayesFactorOneSampleTT bf(c.N, c.N - 1.0, c.t);
+        bf.SetTolerance(1e-6);
+        benchmark::DoNotOptimize(bf.ComputeLog());
+        iterations = bf.GetNIterations();
+    }
+    state.counters["intervals"] = iterations;
+    setLabel(state, c);
+}
+BENCHMARK(BM_JZSLogQuadrature)->DenseRange(0, 5);
+
 void BM_JZSMonteCarlo10000(benchmark::State& state) {
     const Case& c = kCases[state.range(0)];
     for (auto _ : state) {

@@ -28,6 +28,7 @@ const char* const kExample = R"(EXAMPLE
   bsn run examples/binomial.json examples/binomial.csv
   bsn run examples/binomial.json examples/binomial.csv --json - > result.json
   bsn run examples/normal.json examples/normal.csv --json result.json --plots plots --quiet
+  bsn run examples/normal.json examples/normal.csv --report normal.html
 
   More examples: examples/poisson.*, examples/normal.*, examples/related.*,
   examples/regression.*, examples/anova.*
@@ -66,6 +67,7 @@ const char* const kRegressionRules = R"(REGRESSION AND ANOVA (model types 4 and 
   - PlotFactors (with PlotFactorCats, at most MaxNPlotCategories each) and
     PlotCovars choose the coefficients plotted (at most MaxNPlots); sigma^2
     and the prediction are always plotted.
+  examples/loglinear.*
 )";
 
 const char* const kScoringRules = R"(PMML AND SCORING (model types 4 and 5)
@@ -109,6 +111,12 @@ const char* const kSettingsRules = R"(SETTINGS FILE
   - Test variables: a one-sample binomial test reads Factors (values 0/1, or
     k for k successes in one trial), Poisson and normal tests read
     Covariates, related samples pair Covariates[i] with 2ndRelatedList[i].
+  - A log-linear analysis (ModelType LogLinear) reads Factors = [row
+    factor, column factor]. A record with a missing factor value or weight
+    is left out; one whose weight is negative is left out with a warning.
+    Weights are used as they stand (not rounded); only Fisher's exact test
+    rounds the cell counts, half up. The intrinsic prior's cost grows with
+    the square of LogLinIntrinsicT.
   - NCases, when left out, is the number of records in the data file.
   - FactorSizes and FullModFactorSizes may be left out: they are then the
     number of categories found in each coded factor (2 for binomial test
@@ -149,30 +157,65 @@ const char* const kOutput = R"(OUTPUT
   points at) and the status. --quiet leaves the tables out.
   A Bayes factor is the factor of the null against the alternative (above 1
   favours the null). Where it is too large or too small to print it is kept
-  as its natural logarithm x and shown as exp(x).
+  as its natural logarithm x and shown as exp(x). The "log BF" column
+  (GetLogBayesFactors in the JSON) gives the natural logarithm of every
+  factor, computed on the log scale: it stays exact where a normal-mean
+  factor underflows to 0.
 
   --json PATH writes (PATH "-" = stdout, and then no tables; warnings and
   status go to stderr):
     {"status": {"code": int, "error": bool, "message": str},
      "warnings": [{"code": int, "message": str, "datum": int|null}],
      "model_built": bool,
+     "columns": [str, ...],
      "results": {GETTER: value, ...} | null}
   status code 0 with message "" means no error. datum is the warning's
   first data slot (for the analyses' warnings: the position of the test
-  variable in its list). Each key of results is a getter of the result
-  object, spelled as in the library (GetBayesFactors, GetIsLogBayesFactor,
-  GetPlotArguments4Prior, GetSettings, GetModelType, GetOutputType, ...).
+  variable in its list). columns names the data file's columns in order;
+  every variable index in results (GetVarIndices, GetSecondVarIndices,
+  the members of a pair, ...) is a position in it. Each key of results is
+  a getter of the result object, spelled as in the library (GetBayesFactors,
+  GetIsLogBayesFactor, GetPlotArguments4Prior, GetSettings, GetModelType,
+  GetOutputType, ...).
   Missing values are null, also inside arrays; pairs are 2-element arrays;
   GetSettings uses the keys of the settings file. results is null when no
   model was built. JSON is written once the settings check has run; input
   errors before that write none.
 
-  --plots DIR writes DIR/<variable>.svg per test variable: three panels,
-  each with its own axes and grid: the likelihood, drawn as
-  exp(loglik - max loglik) so that its peak is 1 (the library gives the
-  log-likelihood up to a constant), the prior density (a flat prior is a
-  horizontal line at 1), and the posterior density. Missing points are
-  left out of a curve.
+  --plots DIR writes DIR/<variable>.svg per test variable (pair,
+  coefficient, cell...), and DIR/<name>.svg per further figure of the
+  analysis (e.g. a heat map of a table). Each plot has one main panel where
+  the prior, the posterior and the likelihood share one x axis that spans
+  all three:
+    - the y axis is the posterior density; the likelihood (the library gives
+      its logarithm up to a constant) is scaled to the posterior's peak; a
+      prior whose peak is more than 5 times lower or higher than the
+      posterior's is multiplied by a round factor, named in the legend
+      ("prior x20"); a flat prior is a level line at half the posterior's
+      peak, marked "height arbitrary";
+    - the credible interval is shaded under the posterior, its limits
+      written beside it; the null value is a dashed vertical line (named
+      in the legend with "off the axis" when it lies far outside);
+    - the title names the variable, the subtitle states the Bayes factor in
+      words ("BF01 = 3.69: the data are 3.7 times more likely under the
+      null"; a factor kept as its logarithm reads "log BF01 = ...").
+  A log-linear analysis adds a heat map of the table (cells coloured by
+  (observed - expected)/sqrt(expected)) and plots the posterior density of
+  the log odds ratio of the first MaxNPlots pairs of categories.
+  When the posterior is narrow on that axis, a close-up of it follows
+  below. Missing points are left out of a curve. Unless the settings file
+  sets NPlotPoints, bsn asks for 400 points per curve (instead of the
+  library's 100) so that curves are smooth.
+
+  --report FILE writes one HTML page: the analysis, the input files, the
+  status and warnings, the settings (those set by the file or by bsn, and
+  all of them folded), every table above and every plot and figure. CSS and
+  SVG are inline, there are no scripts and nothing is fetched: the file
+  opens in any browser without a network. It is written once the settings
+  check has run, like --json.
+
+  Files are written whole or not at all (through a temporary file that is
+  then renamed).
 
   On a terminal a progress line is shown on stderr; Ctrl-C cancels the
   analysis (a second Ctrl-C ends bsn at once).

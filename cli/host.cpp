@@ -18,6 +18,8 @@
 #include "bsn/frame/bsncomponent.h"
 #include "bsn/frame/bsncomponentdisplay.h"
 #include "cli/helptext.h"
+#include "cli/htmlreport.h"
+#include "cli/outputfile.h"
 #include "cli/resultview.h"
 #include "cli/scoring.h"
 #include "cli/settingsjson.h"
@@ -263,29 +265,45 @@ std::string datumVariable(const BSNSettings& s, const DataInfo& data, int datum)
     return {};
 }
 
-void printStatusAndWarnings(std::ostream& os, const Outcome& outcome, std::size_t nValidationWarnings,
-                            const BSNSettings& settings, const DataInfo& data) {
-    if (!outcome.warnings.empty()) {
-        os << "Warnings:\n";
-        for (std::size_t i = 0; i < outcome.warnings.size(); ++i) {
-            const MCStatus& w = outcome.warnings[i];
-            std::string where;
-            if (w.HasDiscreteDatum(0)) {
-                const int datum = w.GetDiscreteDatum(0);
-                const std::string name = i >= nValidationWarnings ? datumVariable(settings, data, datum) : "";
-                where = name.empty() ? fmt::format(" [datum {}]", datum) : fmt::format(" [variable {}]", name);
-            }
-            os << fmt::format("  {}  {}{}\n", w.GetCode(), StatusMessage(w.GetCode()), where);
+// The warnings as the terminal and the report show them: code, message and
+// the variable (or datum) the warning points at.
+std::vector<std::string> warningLines(const Outcome& outcome, std::size_t nValidationWarnings,
+                                      const BSNSettings& settings, const DataInfo& data) {
+    std::vector<std::string> lines;
+    for (std::size_t i = 0; i < outcome.warnings.size(); ++i) {
+        const MCStatus& w = outcome.warnings[i];
+        std::string where;
+        if (w.HasDiscreteDatum(0)) {
+            const int datum = w.GetDiscreteDatum(0);
+            const std::string name = i >= nValidationWarnings ? datumVariable(settings, data, datum) : "";
+            where = name.empty() ? fmt::format(" [datum {}]", datum) : fmt::format(" [variable {}]", name);
         }
+        lines.push_back(fmt::format("{}  {}{}", w.GetCode(), StatusMessage(w.GetCode()), where));
     }
-    const MCStatus& s = outcome.status;
-    if (s.IsError())
-        os << fmt::format("Status: error {}: {}\n", s.GetCode(), StatusMessage(s.GetCode()));
-    else
-        os << "Status: OK, " << (outcome.built ? "model built" : "model not built") << '\n';
+    return lines;
 }
 
-void writeJson(const RunOptions& options, const Outcome& outcome, std::ostream& out) {
+std::string statusText(const Outcome& outcome) {
+    const MCStatus& s = outcome.status;
+    if (s.IsError()) return fmt::format("error {}: {}", s.GetCode(), StatusMessage(s.GetCode()));
+    return std::string("OK, ") + (outcome.built ? "model built" : "model not built");
+}
+
+void printStatusAndWarnings(std::ostream& os, const Outcome& outcome, const std::vector<std::string>& warnings) {
+    if (!warnings.empty()) {
+        os << "Warnings:\n";
+        for (const std::string& line : warnings) os << "  " << line << '\n';
+    }
+    os << "Status: " << statusText(outcome) << '\n';
+}
+
+std::string analysisName(const BSNSettings& s) {
+    std::string what = EnumWord(s.GetModelType());
+    if (s.GetModelType() == C::OneSample) what += " " + EnumWord(s.GetTestDistType());
+    return what;
+}
+
+void writeJson(const RunOptions& options, const Outcome& outcome, const DataInfo& data, std::ostream& out) {
     ordered_json doc;
     doc["status"] = statusJson(outcome.status);
     ordered_json warnings = ordered_json::array();
@@ -298,18 +316,19 @@ void writeJson(const RunOptions& options, const Outcome& outcome, std::ostream& 
     }
     doc["warnings"] = warnings;
     doc["model_built"] = outcome.built;
+    // The data file's column names in order: every variable index in the
+    // results is a position in this list.
+    doc["columns"] = data.columns;
     doc["results"] = outcome.haveResults ? outcome.view.getters : ordered_json(nullptr);
     const std::string text = DumpJson(doc) + "\n";
     if (options.jsonPath == "-") {
         out << text << std::flush;
         return;
     }
-    std::ofstream file(options.jsonPath, std::ios::binary);
-    file << text;
-    file.close();
-    if (!file) throw InputError(fmt::format("--json: cannot write '{}'", options.jsonPath));
+    WriteFileWhole(options.jsonPath, text, "--json");
 }
 
+// Writes DIR/<name>.svg for each ready-made figure (tables drawn as pictures).
 // Everything read from the two input files, checked.
 struct Inputs {
     BSNSettings settings;
@@ -336,6 +355,9 @@ Inputs loadInputs(const RunOptions& options, std::ostream& err) {
     in.nRecords = scan.nRecords;
     in.data = describeData(columns, nominal, scan);
     fillFactorSizes(in.settings, given, scan);
+    // The library's default of 100 points draws visibly jagged curves at
+    // the printed size of a plot.
+    if (std::find(given.begin(), given.end(), "NPlotPoints") == given.end()) in.settings.SetNPlotPoints(kHostPlotPoints);
     if (std::find(given.begin(), given.end(), "NCases") == given.end())
         in.settings.SetNCases(static_cast<int>(std::min<long long>(scan.nRecords, std::numeric_limits<int>::max())));
     return in;
@@ -372,6 +394,22 @@ void buildModel(const RunOptions& options, Inputs& in, std::ostream& out, std::o
     }
 }
 
+void writeReport(const RunOptions& options, const Inputs& in, const Outcome& outcome,
+                 const std::vector<std::string>& warnings) {
+    ReportInput report;
+    report.analysis = analysisName(in.settings);
+    report.settingsPath = options.settingsPath;
+    report.dataPath = options.dataPath;
+    report.nRecords = in.nRecords;
+    report.settings = &in.settings;
+    report.data = &in.data;
+    report.status = statusText(outcome);
+    report.failed = outcome.status.IsError();
+    report.warnings = warnings;
+    report.view = outcome.haveResults ? &outcome.view : nullptr;
+    WriteFileWhole(options.reportPath, RenderHtmlReport(report), "--report");
+}
+
 int runChecked(const RunOptions& options, std::ostream& out, std::ostream& err) {
     Inputs in = loadInputs(options, err);
     CheckModelOutputOptions(options, in.settings);
@@ -385,20 +423,23 @@ int runChecked(const RunOptions& options, std::ostream& out, std::ostream& err) 
     const bool jsonOnOut = options.jsonPath == "-" || ScoresToStdout(options);
     std::ostream& report = jsonOnOut ? err : out;
     if (!options.quiet && !jsonOnOut && !refused) {
-        const BSNSettings& s = in.settings;
-        std::string what = EnumWord(s.GetModelType());
-        if (s.GetModelType() == C::OneSample) what += " " + EnumWord(s.GetTestDistType());
-        out << fmt::format("bsn: {} analysis of {} ({} records)\n\n", what, options.dataPath, in.nRecords);
+        out << fmt::format("bsn: {} analysis of {} ({} records)\n\n", analysisName(in.settings), options.dataPath,
+                           in.nRecords);
         for (const TextTable& t : outcome.view.tables) t.Print(out);
     }
-    printStatusAndWarnings(report, outcome, nValidationWarnings, in.settings, in.data);
-    if (!options.jsonPath.empty()) writeJson(options, outcome, out);
+    const std::vector<std::string> warnings = warningLines(outcome, nValidationWarnings, in.settings, in.data);
+    printStatusAndWarnings(report, outcome, warnings);
+    if (!options.jsonPath.empty()) writeJson(options, outcome, in.data, out);
     if (!refused)
         if (const int code = ReportModelOutputs(options, outcome.modelOutputs, outcome.built, report, err); code != 0)
             return code;
     if (!options.plotsDir.empty() && outcome.haveResults) {
-        const auto written = WritePlots(outcome.view.plots, options.plotsDir);
+        const auto written = WritePlots(outcome.view.plots, options.plotsDir, outcome.view.figures);
         if (!options.quiet) report << fmt::format("Plots: {} file(s) in {}\n", written.size(), options.plotsDir);
+    }
+    if (!options.reportPath.empty()) {
+        writeReport(options, in, outcome, warnings);
+        if (!options.quiet) report << fmt::format("Report: {}\n", options.reportPath);
     }
     if (refused) {
         err << fmt::format("bsn: error: the settings were refused: {}\n", StatusMessage(outcome.status.GetCode()));
@@ -433,9 +474,12 @@ int Main(int argc, const char* const* argv, std::ostream& out, std::ostream& err
     run->add_option("--json", options.jsonPath, "Write status, warnings and results as JSON to PATH ('-': stdout, "
                                                 "then no tables)")
         ->type_name("PATH");
-    run->add_option("--plots", options.plotsDir, "Write one SVG of likelihood, prior and posterior per test variable "
-                                                 "into DIR")
+    run->add_option("--plots", options.plotsDir, "Write one SVG per test variable (prior, posterior and likelihood on "
+                                                 "one axis) and per figure into DIR")
         ->type_name("DIR");
+    run->add_option("--report", options.reportPath,
+                     "Write one self-contained HTML page (settings, status, warnings, every table and plot) to FILE")
+        ->type_name("FILE");
     run->add_flag("-q,--quiet", options.quiet, "No tables; only warnings and status");
     run->add_option("--pmml", options.pmmlPath, "Regression and ANOVA: write the fitted model as a PMML 4.4 document "
                                                 "to PATH")

@@ -11,6 +11,10 @@
 
 namespace bsncli {
 
+// Points per plotted curve the host asks for when the settings file does
+// not set NPlotPoints.
+constexpr int kHostPlotPoints = 400;
+
 // Exit statuses of the host.
 enum ExitCode { kExitBuilt = 0, kExitAnalysisError = 1, kExitBadInput = 2 };
 
@@ -19,6 +23,7 @@ struct RunOptions {
     std::string dataPath;
     std::string jsonPath;   // empty: no JSON; "-": JSON on the output stream, no tables
     std::string plotsDir;   // empty: no plots
+    std::string reportPath; // empty: no HTML report
     bool quiet = false;     // no tables
     bool progress = false;  // progress line on the error stream
     // Regression and ANOVA models: the PMML document (with the posterior
@@ -38,7 +43,7 @@ struct RunOptions {
 int RunAnalysis(const RunOptions& options, std::ostream& out, std::ostream& err);
 
 // The whole command line: `bsn run SETTINGS DATA [--json PATH] [--plots DIR]
-// [--quiet]`, `bsn --help`, `bsn --version`.
+// [--report FILE] [--quiet]`, `bsn --help`, `bsn --version`.
 int Main(int argc, const char* const* argv, std::ostream& out, std::ostream& err);
 
 // The columns the analysis reads, and those of them that hold category

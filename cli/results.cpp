@@ -16,6 +16,8 @@ bool DescribeResult(const MCBSN_850::BSNOutputStats& result, const DataInfo& dat
     case MCBSN_850::BSNConst::OutputRegression:
     case MCBSN_850::BSNConst::OutputAnova:
         return DescribeRegression(result, data, view);
+    case MCBSN_850::BSNConst::OutputLogLinear:
+        return DescribeLogLinear(result, data, view);
     default:
         return false;
     }

@@ -11,6 +11,7 @@ bool DescribeNormal(const MCBSN_850::BSNOutputStats& result, const DataInfo& dat
 bool DescribeRelated(const MCBSN_850::BSNOutputStats& result, const DataInfo& data, ResultView& view);
 // Regression and one-way ANOVA share one result class.
 bool DescribeRegression(const MCBSN_850::BSNOutputStats& result, const DataInfo& data, ResultView& view);
+bool DescribeLogLinear(const MCBSN_850::BSNOutputStats& result, const DataInfo& data, ResultView& view);
 
 // The getters the binomial and Poisson results share: the head of both
 // lists, and the posterior summaries in their middle.
@@ -21,6 +22,7 @@ void PutDiscreteHeadGetters(const Result& r, const DataInfo& data, ResultView& v
     j["GetVarIndices"] = ToJson(r.GetVarIndices());
     j["GetBayesFactors"] = ToJson(r.GetBayesFactors());
     j["GetIsLogBayesFactor"] = ToJson(r.GetIsLogBayesFactor());
+    j["GetLogBayesFactors"] = ToJson(r.GetLogBayesFactors());
     j["GetNs"] = ToJson(r.GetNs());
 }
 

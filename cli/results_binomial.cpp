@@ -30,15 +30,21 @@ bool DescribeBinomial(const MCBSN_850::BSNOutputStats& base, const DataInfo& dat
     counts.AddColumn("Prop. successes", FormatNumbers(r->GetCat1Props(), rows));
     counts.AddColumn("Prop. failures", FormatNumbers(r->GetCat2Props(), rows));
     view.tables.push_back(counts);
-    if (WantsFactors(r->GetSettings()))
-        view.tables.push_back(BayesFactorTable("Bayes factor: null beta prior against alternative beta prior", names,
-                                               r->GetBayesFactors(), r->GetIsLogBayesFactor()));
+    if (WantsFactors(r->GetSettings())) {
+        TextTable factors = BayesFactorTable("Bayes factor: null beta prior against alternative beta prior", names,
+                                             r->GetBayesFactors(), r->GetIsLogBayesFactor());
+        factors.AddColumn("log BF", FormatNumbers(r->GetLogBayesFactors(), rows));
+        view.tables.push_back(factors);
+    }
     if (WantsPosterior(r->GetSettings()))
         view.tables.push_back(PosteriorTable("Posterior of the success proportion", names,
                                              r->GetSettings().GetCILevel(), r->GetModeValues(), r->GetMeanValues(),
                                              r->GetVarianceValues(), r->GetLowerLimits(), r->GetUpperLimits()));
     const auto& grid = r->GetPlotArguments();
-    AddPlots(view, names, "proportion", grid, grid, grid, r->GetPlotLikelihoods(), r->GetPlotPrior(), r->GetPlotPosterior());
+    AddPlots(view, names, "proportion", grid, grid, grid, r->GetPlotLikelihoods(), r->GetPlotPrior(),
+             r->GetPlotPosterior(),
+             MakePlotNotes(r->GetSettings(), r->GetLowerLimits(), r->GetUpperLimits(), r->GetBayesFactors(),
+                           r->GetIsLogBayesFactor()));
     return true;
 }
 

@@ -17,6 +17,7 @@ void DescribeNormalLike(const Result& r, const DataInfo& data, const std::vector
     j["GetVarIndices"] = ToJson(r.GetVarIndices());
     if (secondIndices != nullptr) j["GetSecondVarIndices"] = ToJson(*secondIndices);
     j["GetBayesFactors"] = ToJson(r.GetBayesFactors());
+    j["GetLogBayesFactors"] = ToJson(r.GetLogBayesFactors());
     j["GetNs"] = ToJson(r.GetNs());
     j["GetStdDevs"] = ToJson(r.GetStdDevs());
     j["GetEMs"] = ToJson(r.GetEMs());
@@ -47,6 +48,8 @@ void DescribeNormalLike(const Result& r, const DataInfo& data, const std::vector
     view.tables.push_back(basic);
     if (WantsFactors(r.GetSettings())) {
         TextTable test = BayesFactorTable("t test and Bayes factor", names, r.GetBayesFactors(), {});
+        // The factor underflows to 0 for a large t; its log is still exact.
+        test.AddColumn("log BF", FormatNumbers(r.GetLogBayesFactors(), rows));
         test.AddColumn("t", FormatNumbers(r.GetTValues(), rows));
         test.AddColumn("Sig. (2-tailed)", FormatNumbers(r.GetSigs(), rows));
         view.tables.push_back(test);
@@ -55,8 +58,10 @@ void DescribeNormalLike(const Result& r, const DataInfo& data, const std::vector
         view.tables.push_back(PosteriorTable(posteriorTitle, names, r.GetSettings().GetCILevel(), r.GetModeValues(),
                                              r.GetPostMeanValues(), r.GetVarianceValues(), r.GetLowerLimits(),
                                              r.GetUpperLimits()));
+    PlotNotes notes = MakePlotNotes(r.GetSettings(), r.GetLowerLimits(), r.GetUpperLimits(), r.GetBayesFactors());
+    notes.nullValues = TestedNullValues(r.GetSettings(), rows);
     AddPlots(view, names, parameter, r.GetPlotArguments4Likelihoods(), r.GetPlotArguments4Prior(), r.GetPlotArguments4Posterior(),
-             r.GetPlotLikelihoods(), r.GetPlotPrior(), r.GetPlotPosterior());
+             r.GetPlotLikelihoods(), r.GetPlotPrior(), r.GetPlotPosterior(), notes);
 }
 
 } // namespace bsncli

@@ -31,9 +31,12 @@ bool DescribePoisson(const MCBSN_850::BSNOutputStats& base, const DataInfo& data
     counts.AddColumn("Smallest count", FormatNumbers(minima, rows));
     counts.AddColumn("Largest count", FormatNumbers(maxima, rows));
     view.tables.push_back(counts);
-    if (WantsFactors(r->GetSettings()))
-        view.tables.push_back(BayesFactorTable("Bayes factor: null gamma prior against alternative gamma prior", names,
-                                               r->GetBayesFactors(), r->GetIsLogBayesFactor()));
+    if (WantsFactors(r->GetSettings())) {
+        TextTable factors = BayesFactorTable("Bayes factor: null gamma prior against alternative gamma prior", names,
+                                             r->GetBayesFactors(), r->GetIsLogBayesFactor());
+        factors.AddColumn("log BF", FormatNumbers(r->GetLogBayesFactors(), rows));
+        view.tables.push_back(factors);
+    }
     if (WantsPosterior(r->GetSettings())) {
         TextTable post = PosteriorTable("Posterior of the Poisson rate", names, r->GetSettings().GetCILevel(),
                                         r->GetModeValues(), r->GetMeanValues(), r->GetVarianceValues(),
@@ -49,7 +52,9 @@ bool DescribePoisson(const MCBSN_850::BSNOutputStats& base, const DataInfo& data
         view.tables.push_back(post);
     }
     AddPlots(view, names, "rate", r->GetPlotArguments4Likelihoods(), r->GetPlotArguments4Prior(),
-             r->GetPlotArguments4Posterior(), r->GetPlotLikelihoods(), r->GetPlotPrior(), r->GetPlotPosterior());
+             r->GetPlotArguments4Posterior(), r->GetPlotLikelihoods(), r->GetPlotPrior(), r->GetPlotPosterior(),
+             MakePlotNotes(r->GetSettings(), r->GetLowerLimits(), r->GetUpperLimits(), r->GetBayesFactors(),
+                           r->GetIsLogBayesFactor()));
     return true;
 }
 

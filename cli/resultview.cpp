@@ -126,10 +126,23 @@ Curve curveAt(const Curves& x, const Curves& y, std::size_t i) {
 }
 } // namespace
 
+PlotNotes MakePlotNotes(const MCBSN_850::BSNSettings& settings, const std::vector<double>& lower,
+                        const std::vector<double>& upper, const std::vector<double>& factors,
+                        const std::vector<bool>& factorIsLog) {
+    PlotNotes notes;
+    notes.ciLower = lower;
+    notes.ciUpper = upper;
+    notes.ciLevel = settings.GetCILevel();
+    notes.bayesFactors = factors;
+    notes.bayesFactorIsLog = factorIsLog;
+    return notes;
+}
+
 void AddPlots(ResultView& view, const std::vector<std::string>& names, const std::string& parameter,
               const Curves& argsLikelihood,
               const Curves& argsPrior, const Curves& argsPosterior, const Curves& logLikelihoods,
-              const Curves& priors, const Curves& posteriors) {
+              const Curves& priors, const Curves& posteriors, const PlotNotes& notes) {
+    const auto at = [](const std::vector<double>& v, std::size_t i) { return i < v.size() ? v[i] : MCMV::Missing(); };
     for (std::size_t i = 0; i < names.size(); ++i) {
         PlotSet plot;
         plot.variable = names[i];
@@ -138,8 +151,24 @@ void AddPlots(ResultView& view, const std::vector<std::string>& names, const std
         plot.prior = curveAt(argsPrior, priors, i);
         plot.posterior = curveAt(argsPosterior, posteriors, i);
         if (plot.logLikelihood.y.empty() && plot.prior.y.empty() && plot.posterior.y.empty()) continue;
+        plot.ciLower = at(notes.ciLower, i);
+        plot.ciUpper = at(notes.ciUpper, i);
+        plot.ciLevel = notes.ciLevel;
+        plot.nullValue = at(notes.nullValues, i);
+        plot.bayesFactor = at(notes.bayesFactors, i);
+        plot.bayesFactorIsLog = i < notes.bayesFactorIsLog.size() && notes.bayesFactorIsLog[i];
+        plot.direction = notes.direction;
         view.plots.push_back(plot);
     }
+}
+
+std::vector<double> TestedNullValues(const MCBSN_850::BSNSettings& settings, std::size_t rows) {
+    if (!WantsFactors(settings)) return {};
+    const std::vector<double>& given = settings.GetNullValues();
+    std::vector<double> values(rows, 0.0);
+    for (std::size_t i = 0; i < rows && i < given.size(); ++i)
+        if (!MCMV::IsMissing(given[i])) values[i] = given[i];
+    return values;
 }
 
 bool WantsFactors(const MCBSN_850::BSNSettings& settings) {

@@ -63,7 +63,9 @@ struct PlotSet {
 };
 
 // A picture that is not a set of curves (a heat map of a table, ...),
-// already rendered as a complete SVG document.
+// already rendered as a complete SVG document. --plots writes it as
+// <name>.svg; the report inlines it into one page beside the other figures,
+// so any id it uses must be unique to it (e.g. prefixed with its name).
 struct SvgFigure {
     std::string name;  // file-name stem and caption
     std::string svg;
@@ -78,6 +80,10 @@ public:
     void AddNote(std::string note) { m_notes.push_back(std::move(note)); }
     void Print(std::ostream& os) const;
     std::size_t Rows() const;
+
+    const std::string& Title() const { return m_title; }
+    const std::vector<std::pair<std::string, std::vector<std::string>>>& Columns() const { return m_columns; }
+    const std::vector<std::string>& Notes() const { return m_notes; }
 
 private:
     std::string m_title;
@@ -126,10 +132,30 @@ TextTable PosteriorTable(std::string title, const std::vector<std::string>& name
                          const std::vector<double>& modes, const std::vector<double>& means,
                          const std::vector<double>& variances, const std::vector<double>& lower,
                          const std::vector<double>& upper);
+// What the plots say beside the curves, one entry per name (a shorter or
+// empty vector leaves the rest unannotated).
+struct PlotNotes {
+    std::vector<double> ciLower, ciUpper;
+    double ciLevel = MCCommon_850::MCMV::Missing();
+    std::vector<double> nullValues;
+    std::vector<double> bayesFactors;
+    std::vector<bool> bayesFactorIsLog;
+    FactorDirection direction = FactorDirection::NullOverAlternative;
+};
+// The notes most analyses give: the credible limits at the settings' level
+// and the Bayes factors (null over alternative).
+PlotNotes MakePlotNotes(const MCBSN_850::BSNSettings& settings, const std::vector<double>& lower,
+                        const std::vector<double>& upper, const std::vector<double>& factors,
+                        const std::vector<bool>& factorIsLog = {});
 void AddPlots(ResultView& view, const std::vector<std::string>& names, const std::string& parameter,
               const Curves& argsLikelihood,
               const Curves& argsPrior, const Curves& argsPosterior, const Curves& logLikelihoods,
-              const Curves& priors, const Curves& posteriors);
+              const Curves& priors, const Curves& posteriors, const PlotNotes& notes = {});
+
+// The value each test variable's null hypothesis fixes (the entry of
+// NullValues, 0 where the list is empty or the entry missing), or nothing
+// when no Bayes factor was asked for.
+std::vector<double> TestedNullValues(const MCBSN_850::BSNSettings& settings, std::size_t rows);
 
 // Whether the settings asked for Bayes factors, and for a posterior.
 bool WantsFactors(const MCBSN_850::BSNSettings& settings);

@@ -156,6 +156,7 @@ struct SettingKey {
     std::string kind;
     std::function<void(BSNSettings&, const json&, const Context&)> apply;
     std::function<ordered_json(const BSNSettings&, const std::vector<std::string>&)> write;
+    std::function<std::string(int)> word;  // enumerations only: the word of a value
 };
 
 // Calls a setter and insists the record kept the value: a setter that
@@ -261,10 +262,12 @@ E readEnum(const json& j, const Context& ctx, int count) {
 
 template <class E, class Get, class Set>
 SettingKey enumKey(std::string key, Get get, Set set, int count) {
-    return makeKey<E>(
+    SettingKey entry = makeKey<E>(
         std::move(key), enumKind<E>(count), get, set,
         [count](const json& j, const Context& ctx) { return readEnum<E>(j, ctx, count); },
         [](E v, const std::vector<std::string>&) { return ordered_json(static_cast<int>(v)); });
+    entry.word = [](int v) { return EnumWord(static_cast<E>(v)); };
+    return entry;
 }
 
 SettingKey fTestsKey() {
@@ -456,6 +459,12 @@ ordered_json SettingsToJson(const BSNSettings& settings, const std::vector<std::
     ordered_json out = ordered_json::object();
     for (const SettingKey& k : keyTable()) out[k.key] = k.write(settings, columns);
     return out;
+}
+
+std::string SettingEnumWord(const std::string& key, int value) {
+    for (const SettingKey& k : keyTable())
+        if (k.key == key) return k.word ? k.word(value) : std::string();
+    return {};
 }
 
 std::string SettingsKeysHelp() {

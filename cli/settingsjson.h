@@ -37,6 +37,10 @@ MCBSN_850::BSNSettings SettingsFromJson(const nlohmann::json& json, const std::v
 nlohmann::ordered_json SettingsToJson(const MCBSN_850::BSNSettings& settings,
                                       const std::vector<std::string>& columns);
 
+// The word of an enumeration key's value ("Both" for AnalysType 2); "" for
+// a key that is not an enumeration.
+std::string SettingEnumWord(const std::string& key, int value);
+
 // One line per key for the help text: the key, its kind and, for an
 // enumeration, its numbers and words.
 std::string SettingsKeysHelp();

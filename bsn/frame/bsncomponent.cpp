@@ -2,6 +2,7 @@
 
 #include <ostream>
 
+#include "bsn/loglinear/bsnloglinear.h"
 #include "bsn/onesample/bsn1samplebinomial.h"
 #include "bsn/onesample/bsn1samplenormal.h"
 #include "bsn/onesample/bsn1samplepoisson.h"
@@ -32,6 +33,8 @@ std::unique_ptr<BSNAlgorithm> createProcedure(const BSNSettings& settings, const
         return std::make_unique<BSNMultipleRegr>(settings, varList);
     case BSNConst::Anova:
         return std::make_unique<BSNAnova>(settings, varList);
+    case BSNConst::LogLinear:
+        return std::make_unique<BSNLogLinear>(settings, varList);
     default:
         return nullptr;
     }

@@ -10,6 +10,8 @@
 
 namespace MCBSN_850 {
 
+class BayesFactorDenomIF;
+
 class BayesFactorOneSampleTT {
 public:
     BayesFactorOneSampleTT(double N, double df, double t);
@@ -19,7 +21,16 @@ public:
     const MCCommon_850::MCWarnings& GetWarnings() const { return m_warnings; }
 
     // The Bayes factor; missing when invalid or when the integral vanishes.
+    // It underflows to 0 when the null term does (t of 40 and more with
+    // many cases); ComputeLog then still has the answer.
     double Compute();
+    // The natural log of the Bayes factor, computed on the log scale
+    // throughout: the null term as a log, and the integrand divided by e^s,
+    // s the log of its peak, before the same quadrature (same bounds, tail,
+    // tolerance and fallback as Compute), so that neither the null term nor
+    // the integrand underflows. Finite wherever the integral exists (t of
+    // 100 with a billion cases gives about -4989). Missing when invalid.
+    double ComputeLog();
     // The integral beyond the tail cutoff of the large-g form of the
     // integrand, (2 pi N)^(-1/2) g^(-2); missing when invalid.
     double RightTail() const;
@@ -46,6 +57,12 @@ public:
     void Display(std::ostream& os) const;
 
 private:
+    // The quadrature of Compute over [left, min(cutoff, right)], with the
+    // piecewise fallback; warnings go to m_warnings. Missing when a piece is.
+    double integrate(BayesFactorDenomIF& integrand);
+    // About the largest ln f(g) over the integration range.
+    double logPeak(const BayesFactorDenomIF& integrand) const;
+
     double m_N;
     double m_df;
     double m_t;

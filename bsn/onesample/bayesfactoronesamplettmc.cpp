@@ -1,5 +1,8 @@
 #include "bsn/onesample/bayesfactoronesamplettmc.h"
 
+#include <cmath>
+#include <limits>
+
 #include "bsn/onesample/bayesfactordenomif.h"
 #include "bsn/onesample/bayesfactoronesamplettrng.h"
 #include "platform/common/mcmv.h"
@@ -38,6 +41,32 @@ double BayesFactorOneSampleTTMC::Compute() {
     const double integral = Integrate(0.0, 1.0);
     if (MCMV::IsMissing(integral) || integral == 0.0) return MCMV::Missing();
     return MCMV::Sanitize(BayesFactorDenomIF(m_N, m_df, m_t).ComputeNull() / integral);
+}
+
+double BayesFactorOneSampleTTMC::ComputeLog() {
+    if (!m_valid) return MCMV::Missing();
+    BayesFactorDenomIF integrand(m_N, m_df, m_t);
+    const double logNull = integrand.ComputeLogNull();
+    const double mean = Integrate(0.0, 1.0);
+    if (MCMV::IsMissing(logNull) || MCMV::IsMissing(mean)) return MCMV::Missing();
+    if (mean >= std::numeric_limits<double>::min()) return MCMV::Sanitize(logNull - std::log(mean));
+    // Every h(g) underflowed (or nearly): the same draws again, summed on
+    // the log scale around the running maximum.
+    BayesFactorOneSampleTTRng rng;
+    rng.SetSeed(m_seed);
+    double top = -std::numeric_limits<double>::infinity(), sum = 0.0;
+    for (int i = 0; i < m_samples; ++i) {
+        const double l = integrand.ComputeLogMC(rng.GetRandom());
+        if (MCMV::IsMissing(l)) continue;
+        if (l > top) {
+            sum = sum * std::exp(top - l) + 1.0;
+            top = l;
+        } else {
+            sum += std::exp(l - top);
+        }
+    }
+    if (!(sum > 0.0)) return MCMV::Missing();
+    return MCMV::Sanitize(logNull - (top + std::log(sum / m_samples)));
 }
 
 void BayesFactorOneSampleTTMC::Display(std::ostream& os) const {

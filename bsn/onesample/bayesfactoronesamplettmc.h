@@ -25,6 +25,9 @@ public:
     void SetSeed(unsigned long seed) { m_seed = seed; }
     // The Bayes factor; missing when invalid or not computable.
     double Compute();
+    // Its natural log from the same draws, on the log scale where the
+    // factor or the mean of h would underflow. Missing as Compute.
+    double ComputeLog();
 
     void Display(std::ostream& os) const;
 

@@ -3,34 +3,33 @@
 #include "bsn/onesample/bsn1samplediscreteutils.h"
 #include "platform/common/mcmv.h"
 #include "platform/display/mcdisplay.h"
-#include "platform/dist/mcdistfun.h"
+#include "platform/dist/mclgamma.h"
 
 namespace MCBSN_850 {
 
 using MCCommon_850::MCMV;
 using MCCommon_850::MCStatus;
-using MCMath_850::MCDistFun;
+using MCMath_850::MCLogGamma;
 
 BSN1SampleBinoBayesFactor::BSN1SampleBinoBayesFactor(const BSNSettings& settings)
     : BSN1SampleDiscreteFactor(settings, settings.GetFactors()) {}
 
 double BSN1SampleBinoBayesFactor::computeLogBeta(double a, double b) {
     if (a == 0.0 && b == 0.0) return 0.0;
-    const double la = MCDistFun::quondnlgam(a);
-    const double lb = MCDistFun::quondnlgam(b);
-    const double lab = MCDistFun::quondnlgam(a + b);
-    if (MCMV::IsMissing(la) || MCMV::IsMissing(lb) || MCMV::IsMissing(lab)) return MCMV::Missing();
-    return la + lb - lab;
+    return MCLogGamma::LogBeta(a, b);
 }
 
 double BSN1SampleBinoBayesFactor::logFactor(double n, double x, const Priors& p) {
     // The marginal likelihood under Beta(a, b) is B(a + x, b + n − x) / B(a, b)
-    // times the binomial coefficient, which cancels in the ratio.
-    const double terms[] = {computeLogBeta(p.a0 + x, p.b0 + n - x), computeLogBeta(p.a1, p.b1),
-                            computeLogBeta(p.a1 + x, p.b1 + n - x), computeLogBeta(p.a0, p.b0)};
-    for (double t : terms)
-        if (MCMV::IsMissing(t)) return MCMV::Missing();
-    return MCMV::Sanitize(terms[0] + terms[1] - terms[2] - terms[3]);
+    // times the binomial coefficient, which cancels in the ratio:
+    //   LB(a0 + x, b0 + n − x) − LB(a1 + x, b1 + n − x) + LB(a1, b1) − LB(a0, b0).
+    // The first two terms are of the size of n ln n; they are taken as one
+    // difference in which each lnΓ of a count meets the same count under the
+    // other prior, so that no digit of the factor is lost to the size of n.
+    const double data = MCLogGamma::BetaDiff(x, n - x, p.a0, p.b0, p.a1, p.b1);
+    const double priors[] = {computeLogBeta(p.a1, p.b1), computeLogBeta(p.a0, p.b0)};
+    if (MCMV::IsMissing(data) || MCMV::IsMissing(priors[0]) || MCMV::IsMissing(priors[1])) return MCMV::Missing();
+    return MCMV::Sanitize(data + (priors[0] - priors[1]));
 }
 
 MCStatus BSN1SampleBinoBayesFactor::ComputeBFs() {

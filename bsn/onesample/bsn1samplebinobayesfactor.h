@@ -24,7 +24,8 @@ public:
 
     // ln B(a, b) = lnΓ(a) + lnΓ(b) − lnΓ(a + b), with B(0, 0) taken as 1 so
     // that the improper prior Beta(0, 0) contributes nothing. Missing for any
-    // other argument that is not positive.
+    // other argument that is not positive. Exact also for huge arguments
+    // (MCLogGamma).
     static double computeLogBeta(double a, double b);
 
     void Display(std::ostream& os) const;

@@ -2,12 +2,12 @@
 
 #include <cmath>
 
-#include "bsn/onesample/bsn1samplebinobayesfactor.h"
 #include "bsn/onesample/bsn1samplediscreteutils.h"
 #include "platform/common/mcmv.h"
 #include "platform/common/mcpower.h"
 #include "platform/display/mcdisplay.h"
 #include "platform/dist/mcdistfun.h"
+#include "platform/dist/mclgamma.h"
 
 namespace MCBSN_850 {
 
@@ -31,8 +31,8 @@ BSN1SampleBinoConjPrior::BSN1SampleBinoConjPrior(const BSNSettings& settings, co
     : BSN1SampleDiscretePosterior(settings, counts), m_plotArguments(counts.Size()),
       m_plotLikelihoods(counts.Size()), m_plotPrior(counts.Size()), m_plotPosterior(counts.Size()) {}
 
-double BSN1SampleBinoConjPrior::updateForBeta(double t, double alpha, double beta, double c) {
-    const double exponent = c + (alpha - 1.0) * std::log(t) + (beta - 1.0) * std::log1p(-t);
+double BSN1SampleBinoConjPrior::updateForBeta(double t, double alpha, double beta) {
+    const double exponent = MCMath_850::MCLogGamma::LogBetaPdf(t, alpha, beta);
     if (MCMV::IsMissing(exponent) || exponent > MCMath_850::MCPower::gMachineMaxExp) return MCMV::Missing();
     if (exponent < MCMath_850::MCPower::gMachineMinExp) return 0.0;
     return std::exp(exponent);
@@ -88,20 +88,17 @@ void BSN1SampleBinoConjPrior::ComputePlot(std::size_t i, double a, double b, dou
                                           const std::vector<double>& grid) {
     const double n = m_counts.GetTrials()[i];
     const double x = m_counts.GetSuccesses()[i];
-    const double cPost = -BSN1SampleBinoBayesFactor::computeLogBeta(alpha, beta);
     // An improper prior has no density to draw; it is kept as a flat line,
     // two values 1.0 spanning the grid.
     const bool properPrior = a > 0.0 && b > 0.0;
-    const double cPrior = properPrior ? -BSN1SampleBinoBayesFactor::computeLogBeta(a, b) : 0.0;
     std::vector<double> likelihood, prior, posterior;
     likelihood.reserve(grid.size());
     posterior.reserve(grid.size());
     if (properPrior) prior.reserve(grid.size());
     for (double t : grid) {
         likelihood.push_back(MCMV::Sanitize(x * std::log(t) + (n - x) * std::log1p(-t)));
-        posterior.push_back(MCMV::IsMissing(cPost) ? MCMV::Missing() : updateForBeta(t, alpha, beta, cPost));
-        if (properPrior)
-            prior.push_back(MCMV::IsMissing(cPrior) ? MCMV::Missing() : updateForBeta(t, a, b, cPrior));
+        posterior.push_back(updateForBeta(t, alpha, beta));
+        if (properPrior) prior.push_back(updateForBeta(t, a, b));
     }
     if (!properPrior) prior = {1.0, 1.0};
     m_plotArguments[i] = grid;

@@ -25,10 +25,13 @@ public:
     // with an improper posterior.
     MCCommon_850::MCStatus Compute();
 
-    // The beta density at t written as exp(c + (α − 1) ln t + (β − 1) ln(1 − t))
+    // The Beta(α, β) density at t, exp(c + (α − 1) ln t + (β − 1) ln(1 − t))
     // with c = −ln B(α, β): 0 when the exponent underflows, missing when it
-    // overflows.
-    static double updateForBeta(double t, double alpha, double beta, double c);
+    // overflows or cannot be formed. The exponent is computed as one
+    // expression around the mode (MCLogGamma::LogBetaPdf), since with a
+    // billion trials c and the two logs are each near 1e10 and their sum
+    // would keep no digit of the density.
+    static double updateForBeta(double t, double alpha, double beta);
     // The plot grid: nPoints proportions from 2.220446049250313e-16 to
     // 0.9999999999999996 + 2.220446049250313e-16, so that ln t and ln(1 − t)
     // are finite at every point.

@@ -77,6 +77,7 @@ const BSNSettings& BSN1SampleBinoOutputStats::GetSettings() const { return m_imp
 const std::vector<int>& BSN1SampleBinoOutputStats::GetVarIndices() const { return m_impl->varIndices; }
 const std::vector<double>& BSN1SampleBinoOutputStats::GetBayesFactors() const { return m_impl->bayesFactors; }
 const std::vector<bool>& BSN1SampleBinoOutputStats::GetIsLogBayesFactor() const { return m_impl->isLogBayesFactor; }
+const std::vector<double>& BSN1SampleBinoOutputStats::GetLogBayesFactors() const { return m_impl->logBayesFactors; }
 const std::vector<double>& BSN1SampleBinoOutputStats::GetNs() const { return m_impl->ns; }
 const std::vector<double>& BSN1SampleBinoOutputStats::GetCat1Indices() const { return m_impl->cat1Indices; }
 const std::vector<double>& BSN1SampleBinoOutputStats::GetCat1Ns() const { return m_impl->cat1Ns; }

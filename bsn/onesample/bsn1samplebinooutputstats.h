@@ -33,6 +33,10 @@ public:
     // the natural log of the factor.
     const std::vector<double>& GetBayesFactors() const;
     const std::vector<bool>& GetIsLogBayesFactor() const;
+    // The natural log of every factor, computed on the log scale (so it is
+    // exact where the factor itself would underflow or overflow); missing
+    // where no factor was computed.
+    const std::vector<double>& GetLogBayesFactors() const;
     // Trials n (sum of weights).
     const std::vector<double>& GetNs() const;
     // Category 1 is the success code 1 with count x; category 2 the failures

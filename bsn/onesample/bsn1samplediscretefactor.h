@@ -1,7 +1,8 @@
 #pragma once
 // BSN1SampleDiscreteFactor: base of the Bayes-factor workers of the
 // one-sample binomial and Poisson analyses: per variable a factor (null over
-// alternative) and a bit telling that the stored number is its natural log.
+// alternative) and a bit telling that the stored number is its natural log,
+// and beside them the natural log of every factor, whatever its size.
 #include <cstddef>
 #include <ostream>
 #include <vector>
@@ -18,6 +19,9 @@ class BSN1SampleDiscreteFactor : public BSN1SampleDiscreteWorker<Counts> {
 public:
     const std::vector<double>& GetBayesFactors() const { return m_bayesFactors; }
     const std::vector<bool>& GetIsLogBayesFactor() const { return m_isLog; }
+    // ln of each factor as computed (never the log of a rounded factor);
+    // missing where no factor was computed.
+    const std::vector<double>& GetLogBayesFactors() const { return m_logFactors; }
 
 protected:
     using Base = BSN1SampleDiscreteWorker<Counts>;
@@ -30,7 +34,7 @@ protected:
 
     explicit BSN1SampleDiscreteFactor(const BSNSettings& settings, const std::vector<int>& varIndices)
         : Base(settings, Counts(varIndices)), m_bayesFactors(varIndices.size(), MCCommon_850::MCMV::Missing()),
-          m_isLog(varIndices.size(), false) {}
+          m_isLog(varIndices.size(), false), m_logFactors(varIndices.size(), MCCommon_850::MCMV::Missing()) {}
     ~BSN1SampleDiscreteFactor() = default;
 
     Priors priorsOf(std::size_t i) const {
@@ -48,6 +52,7 @@ protected:
         bool isLog = false;
         if (BSN1SampleDiscreteUtils::StoreFactor(logBF, m_bayesFactors[i], isLog)) m_anyLog = true;
         m_isLog[i] = isLog;
+        m_logFactors[i] = MCCommon_850::MCMV::Sanitize(logBF);
     }
 
     // After the last variable: warning 410041 once when any log was stored.
@@ -59,11 +64,13 @@ protected:
         this->displayWorker(os);
         MCDisplay_850::DisplayDV("Bayes factors", m_bayesFactors);
         MCDisplay_850::DisplayBV("Is log Bayes factor", m_isLog);
+        MCDisplay_850::DisplayDV("Log Bayes factors", m_logFactors);
     }
 
 private:
     std::vector<double> m_bayesFactors;
     std::vector<bool> m_isLog;
+    std::vector<double> m_logFactors;
     bool m_anyLog = false;
 };
 

@@ -7,7 +7,7 @@ namespace MCBSN_850 {
 
 BSN1SampleDiscreteOutputData::BSN1SampleDiscreteOutputData(const BSNSettings& s, const std::vector<int>& vars)
     : settings(s), varIndices(vars), isLogBayesFactor(vars.size(), false) {
-    for (auto* v : {&bayesFactors, &ns, &modes, &means, &variances, &lowerLimits, &upperLimits})
+    for (auto* v : {&bayesFactors, &logBayesFactors, &ns, &modes, &means, &variances, &lowerLimits, &upperLimits})
         v->assign(vars.size(), MCCommon_850::MCMV::Missing());
 }
 
@@ -16,6 +16,7 @@ void BSN1SampleDiscreteOutputData::DisplayFactors() const {
     DisplayIV("Variable indices", varIndices);
     DisplayDV("Bayes factors", bayesFactors);
     DisplayBV("Is log Bayes factor", isLogBayesFactor);
+    DisplayDV("Log Bayes factors", logBayesFactors);
     DisplayDV("Ns", ns);
 }
 

@@ -1,7 +1,7 @@
 #pragma once
 // BSN1SampleDiscreteOutputData: the part of the one-sample binomial and
 // Poisson results that both share: the settings in force, the test
-// variables, the Bayes factors with their log bits, the sums of weights and
+// variables, the Bayes factors with their log bits and logs, the sums of weights and
 // the posterior summaries. Every entry starts missing and every value copied
 // in is sanitised, so no NaN or infinity can reach a host.
 #include <vector>
@@ -23,6 +23,7 @@ struct BSN1SampleDiscreteOutputData {
         if (factor.GetBayesFactors().size() != Size()) return;
         bayesFactors = BSN1SampleDiscreteUtils::Sanitized(factor.GetBayesFactors());
         isLogBayesFactor = factor.GetIsLogBayesFactor();
+        logBayesFactors = BSN1SampleDiscreteUtils::Sanitized(factor.GetLogBayesFactors());
     }
 
     template <class Counts>
@@ -43,6 +44,7 @@ struct BSN1SampleDiscreteOutputData {
     std::vector<int> varIndices;
     std::vector<double> bayesFactors;
     std::vector<bool> isLogBayesFactor;
+    std::vector<double> logBayesFactors;
     std::vector<double> ns;
     std::vector<double> modes, means, variances, lowerLimits, upperLimits;
 };

@@ -122,6 +122,7 @@ void BSN1SampleNormal::createInference() {
 MCStatus BSN1SampleNormal::GenerateOutput() {
     if (m_factor) {
         m_factors = m_factor->getFactor();
+        m_logFactors = m_factor->getLogFactor();
         m_tValues = m_factor->getTtest();
         m_sigs = m_factor->getSig();
     }

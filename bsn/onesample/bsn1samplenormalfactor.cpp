@@ -25,6 +25,7 @@ BSN1SampleNormalFactor::BSN1SampleNormalFactor(const BSNSettings& settings, cons
     : m_settings(settings), m_varList(varList), m_stats(stats), m_stdErrors(stdErrors), m_warnings(&warnings) {
     const std::size_t n = m_settings.GetCovariates().size();
     m_factors.assign(n, MCMV::Missing());
+    m_logFactors.assign(n, MCMV::Missing());
     m_tValues.assign(n, MCMV::Missing());
     m_sigs.assign(n, MCMV::Missing());
 }
@@ -55,12 +56,15 @@ void BSN1SampleNormalFactor::computeTtest() {
     const std::vector<double>& nullValues = m_settings.GetNullValues();
     for (std::size_t i = 0; i < m_factors.size(); ++i) {
         if (i >= m_stats.size() || i >= m_stdErrors.size()) continue;
-        const double mean = m_stats[i].GetMean();
         const double n = m_stats[i].GetSumWeights();
         const double se = m_stdErrors[i];
-        if (MCMV::IsMissing(mean) || MCMV::IsMissing(n) || MCMV::IsMissing(se) || n < 2.0 || se == 0.0) continue;
         const double mu0 = (i < nullValues.size() && !MCMV::IsMissing(nullValues[i])) ? nullValues[i] : 0.0;
-        const double t = MCMV::Sanitize((mean - mu0) / se);
+        // The mean's distance from the null value straight from the
+        // accumulator: for data far from zero it is not rounded at the
+        // data's magnitude first.
+        const double deviation = m_stats[i].GetMeanMinus(mu0);
+        if (MCMV::IsMissing(deviation) || MCMV::IsMissing(n) || MCMV::IsMissing(se) || n < 2.0 || se == 0.0) continue;
+        const double t = MCMV::Sanitize(deviation / se);
         if (MCMV::IsMissing(t)) continue;
         m_tValues[i] = t;
         const double cdf = MCMath_850::MCDistFun::CdfT(std::fabs(t), n - 1.0);
@@ -85,9 +89,9 @@ void BSN1SampleNormalFactor::computeBeta(MCMath_850::MCCancelInfo& /*cancel*/) {
     for (int i = 0; i < n; ++i) {
         if (MCMV::IsMissing(m_tValues[i])) continue;
         const double N = m_stats[i].GetSumWeights();
-        const MCStatus s = BSN1SampleNormalUtils::ComputeFactorForVariable(m_settings, i, n, N, m_tValues[i],
-                                                                           m_stats[i].GetMean(), &m_factors[i],
-                                                                           *m_warnings);
+        const double deviation = m_stats[i].GetMeanMinus(BSN1SampleNormalUtils::NullValue(m_settings, i));
+        const MCStatus s = BSN1SampleNormalUtils::ComputeFactorForVariable(
+            m_settings, i, n, N, m_tValues[i], deviation, &m_factors[i], *m_warnings, &m_logFactors[i]);
         if (s.IsError()) {
             m_status = s;
             return;
@@ -98,7 +102,8 @@ void BSN1SampleNormalFactor::computeBeta(MCMath_850::MCCancelInfo& /*cancel*/) {
 void BSN1SampleNormalFactor::computeBetaForUnKnownVarJZS() {
     for (std::size_t i = 0; i < m_factors.size(); ++i) {
         const double N = i < m_stats.size() ? m_stats[i].GetSumWeights() : MCMV::Missing();
-        BSN1SampleNormalUtils::computeBetaForUnKnownVarJZS(m_settings, N, m_tValues[i], &m_factors[i], *m_warnings);
+        BSN1SampleNormalUtils::computeBetaForUnKnownVarJZS(m_settings, N, m_tValues[i], &m_factors[i], *m_warnings,
+                                                           &m_logFactors[i]);
     }
 }
 
@@ -112,7 +117,7 @@ void BSN1SampleNormalFactor::computeBetaForUnKnownVarSimple(MCMath_850::MCCancel
         }
         const double N = i < m_stats.size() ? m_stats[i].GetSumWeights() : MCMV::Missing();
         const double g = i < gValues.size() ? gValues[i] : MCMV::Missing();
-        BSN1SampleNormalUtils::computeBetaForUnKnownVarSimple(m_tValues[i], N, g, &m_factors[i]);
+        BSN1SampleNormalUtils::computeBetaForUnKnownVarSimple(m_tValues[i], N, g, &m_factors[i], &m_logFactors[i]);
     }
 }
 
@@ -125,6 +130,7 @@ void BSN1SampleNormalFactor::Display(std::ostream& os) const {
     DisplayI("Accumulators", static_cast<int>(m_stats.size()));
     DisplayDV("Standard errors", m_stdErrors);
     DisplayDV("Bayes factors", m_factors);
+    DisplayDV("Log Bayes factors", m_logFactors);
     DisplayDV("t values", m_tValues);
     DisplayDV("Significances", m_sigs);
     BSNComponentDisplay::DisplayStatus("Status", m_status);

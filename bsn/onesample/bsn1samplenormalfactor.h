@@ -26,6 +26,9 @@ public:
     MCCommon_850::MCStatus BuildModel(MCCommon_850::MultiPassRecordIter& iter, MCMath_850::MCCancelInfo& cancel);
 
     const std::vector<double>& getFactor() const { return m_factors; }
+    // The natural log of each factor, computed on the log scale: finite
+    // where the factor underflows to 0.
+    const std::vector<double>& getLogFactor() const { return m_logFactors; }
     const std::vector<double>& getTtest() const { return m_tValues; }
     const std::vector<double>& getSig() const { return m_sigs; }
 
@@ -43,6 +46,7 @@ private:
     const std::vector<MCMath_850::MCContStats>& m_stats;
     const std::vector<double>& m_stdErrors;
     std::vector<double> m_factors;
+    std::vector<double> m_logFactors;
     std::vector<double> m_tValues;
     std::vector<double> m_sigs;
     MCCommon_850::MCStatus m_status;

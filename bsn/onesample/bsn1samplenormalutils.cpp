@@ -59,28 +59,44 @@ double entryOrMissing(const std::vector<double>& v, int i) {
     return (i >= 0 && static_cast<std::size_t>(i) < v.size()) ? v[static_cast<std::size_t>(i)] : MCMV::Missing();
 }
 
+// Stores a factor from its log through the optional pointers.
+void storeLog(double logFactor, double* bf, double* logBf) {
+    const double l = MCMV::Sanitize(logFactor);
+    if (bf != nullptr) *bf = expFactor(l);
+    if (logBf != nullptr) *logBf = l;
+}
+
 } // namespace
 
+double BSN1SampleNormalUtils::NullValue(const BSNSettings& settings, int position) {
+    const double mu0 = entryOrMissing(settings.GetNullValues(), position);
+    return MCMV::IsMissing(mu0) ? 0.0 : mu0;
+}
+
 MCStatus BSN1SampleNormalUtils::computeBetaForUnKnownVarJZS(const BSNSettings& settings, double N, double t,
-                                                            double* bf, MCWarnings& warnings) {
+                                                            double* bf, MCWarnings& warnings, double* logBf) {
+    if (logBf != nullptr) *logBf = MCMV::Missing();
     if (bf == nullptr) return MCStatus();
     *bf = MCMV::Missing();
     const double df = MCMV::IsMissing(N) ? MCMV::Missing() : N - 1.0;
+    // One computation on the log scale gives both: the factor is its exp.
     if (settings.GetMethodType() != BSNConst::AQL) {
         BayesFactorOneSampleTTMC mc(N, df, t, settings.GetMCSamples(), settings.GetRandomSeed());
         mc.SetSeed(settings.GetRandomSeed());
-        if (mc.IsValid()) *bf = MCMV::Sanitize(mc.Compute());
+        if (mc.IsValid()) storeLog(mc.ComputeLog(), bf, logBf);
         return MCStatus();
     }
     BayesFactorOneSampleTT quad(N, df, t);
     quad.SetTolerance(settings.GetTolValue());     // non-positive values keep 1e-8
     quad.SetMaxIter(settings.GetMaxIterations());  // non-positive values keep 1500
-    if (quad.IsValid()) *bf = MCMV::Sanitize(quad.Compute());
+    if (quad.IsValid()) storeLog(quad.ComputeLog(), bf, logBf);
     warnings.Append(quad.GetWarnings());
     return MCStatus();
 }
 
-MCStatus BSN1SampleNormalUtils::computeBetaForUnKnownVarSimple(double t, double N, double g, double* bf) {
+MCStatus BSN1SampleNormalUtils::computeBetaForUnKnownVarSimple(double t, double N, double g, double* bf,
+                                                               double* logBf) {
+    if (logBf != nullptr) *logBf = MCMV::Missing();
     if (bf == nullptr) return MCStatus();
     *bf = MCMV::Missing();
     if (MCMV::IsMissing(N) || MCMV::IsMissing(t) || MCMV::IsMissing(g) || g <= 0.0) return MCStatus();
@@ -89,14 +105,15 @@ MCStatus BSN1SampleNormalUtils::computeBetaForUnKnownVarSimple(double t, double 
     const double ng = N * g;
     // sqrt(1+Ng) (1 + t^2/((1+Ng) df))^((df+1)/2) / (1 + t^2/df)^((df+1)/2),
     // in logs so that neither power overflows on its own.
-    const double logBf =
+    const double logBF =
         0.5 * std::log1p(ng) + (df + 1.0) / 2.0 * (std::log1p(t * t / ((1.0 + ng) * df)) - std::log1p(t * t / df));
-    *bf = expFactor(logBf);
+    storeLog(logBF, bf, logBf);
     return MCStatus();
 }
 
 MCStatus BSN1SampleNormalUtils::computeBetaForKnownVar(double N, double g, double nullValue, double variance,
-                                                       double mean, double* bf) {
+                                                       double mean, double* bf, double* logBf) {
+    if (logBf != nullptr) *logBf = MCMV::Missing();
     if (bf == nullptr) return MCStatus();
     *bf = MCMV::Missing();
     if (MCMV::IsMissing(N) || N <= 0.0 || MCMV::IsMissing(variance) || variance < 0.0 || MCMV::IsMissing(mean) ||
@@ -106,24 +123,26 @@ MCStatus BSN1SampleNormalUtils::computeBetaForKnownVar(double N, double g, doubl
     const double d = mean - mu0;
     const double ng = N * g;
     if (d == 0.0) {
-        *bf = expFactor(0.5 * std::log1p(ng));
+        storeLog(0.5 * std::log1p(ng), bf, logBf);
         return MCStatus();
     }
     // A zero variance with the mean off the null value: the null density of
-    // the mean is a point mass elsewhere, so the factor is 0.
+    // the mean is a point mass elsewhere, so the factor is 0 (its log is
+    // minus infinity and stays missing).
     if (variance == 0.0) {
         *bf = 0.0;
         return MCStatus();
     }
     // sqrt(1+Ng) exp(-(N d^2/(2 sigma^2)) / (1 + 1/(Ng)))
     const double z2 = N * (d / std::sqrt(variance)) * (d / std::sqrt(variance));
-    *bf = expFactor(0.5 * std::log1p(ng) - (z2 / 2.0) / (1.0 + 1.0 / ng));
+    storeLog(0.5 * std::log1p(ng) - (z2 / 2.0) / (1.0 + 1.0 / ng), bf, logBf);
     return MCStatus();
 }
 
 MCStatus BSN1SampleNormalUtils::ComputeFactorForVariable(const BSNSettings& settings, int position, int nVariables,
-                                                         double N, double t, double mean, double* bf,
-                                                         MCWarnings& warnings) {
+                                                         double N, double t, double deviation, double* bf,
+                                                         MCWarnings& warnings, double* logBf) {
+    if (logBf != nullptr) *logBf = MCMV::Missing();
     if (bf == nullptr) return MCStatus();
     *bf = MCMV::Missing();
     // Variables without a t statistic (too few cases, constant data) get no
@@ -139,17 +158,16 @@ MCStatus BSN1SampleNormalUtils::ComputeFactorForVariable(const BSNSettings& sett
     if (MCMV::IsMissing(variance)) {
         switch (settings.GetEstBFType()) {
         case BSNConst::JZS:
-            return computeBetaForUnKnownVarJZS(settings, N, t, bf, warnings);
+            return computeBetaForUnKnownVarJZS(settings, N, t, bf, warnings, logBf);
         case BSNConst::Simple:
             if (gValues.empty()) return MCStatus(kBadParameter, false);
-            return computeBetaForUnKnownVarSimple(t, N, entryOrMissing(gValues, position), bf);
+            return computeBetaForUnKnownVarSimple(t, N, entryOrMissing(gValues, position), bf, logBf);
         default:
             return MCStatus();  // the other estimation types have no factor here
         }
     }
     if (gValues.size() != n || (!nullValues.empty() && nullValues.size() != n)) return MCStatus(kBadParameter, false);
-    const double mu0 = nullValues.empty() ? 0.0 : entryOrMissing(nullValues, position);
-    return computeBetaForKnownVar(N, entryOrMissing(gValues, position), mu0, variance, mean, bf);
+    return computeBetaForKnownVar(N, entryOrMissing(gValues, position), 0.0, variance, deviation, bf, logBf);
 }
 
 } // namespace MCBSN_850

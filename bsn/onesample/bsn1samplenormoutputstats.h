@@ -28,6 +28,8 @@ public:
     // Replaces the settings, the test variables and the thirteen per-variable
     // vectors (not the curves).
     using BSNNormalMeanOutputStats::SetOutputValues;
+    // Replaces the logs of the Bayes factors.
+    using BSNNormalMeanOutputStats::SetLogBayesFactors;
     // Replaces the six curves.
     using BSNNormalMeanOutputStats::SetPlotValues;
     // The labelled lines of Display without its start and end lines. Writes

@@ -30,6 +30,13 @@ public:
     static double logMarginal(double a, double b, double N, double S);
 
     void Display(std::ostream& os) const;
+
+private:
+    // ln of the factor, logMarginal(a0, b0) − logMarginal(a1, b1), computed
+    // so that it stays exact for N and S in the billions and beyond (the two
+    // marginals are each of the size of S ln S). Missing when a prior is not
+    // usable.
+    static double logFactor(double N, double S, const Priors& p);
 };
 
 } // namespace MCBSN_850

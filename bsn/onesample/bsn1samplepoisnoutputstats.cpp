@@ -165,6 +165,7 @@ const BSNSettings& BSN1SamplePoisnOutputStats::GetSettings() const { return m_im
 const std::vector<int>& BSN1SamplePoisnOutputStats::GetVarIndices() const { return m_imp->varIndices; }
 const std::vector<double>& BSN1SamplePoisnOutputStats::GetBayesFactors() const { return m_imp->bayesFactors; }
 const std::vector<bool>& BSN1SamplePoisnOutputStats::GetIsLogBayesFactor() const { return m_imp->isLogBayesFactor; }
+const std::vector<double>& BSN1SamplePoisnOutputStats::GetLogBayesFactors() const { return m_imp->logBayesFactors; }
 const std::vector<double>& BSN1SamplePoisnOutputStats::GetNs() const { return m_imp->ns; }
 const std::vector<double>& BSN1SamplePoisnOutputStats::GetMinCnts() const { return m_imp->minCnts; }
 const std::vector<double>& BSN1SamplePoisnOutputStats::GetMaxCnts() const { return m_imp->maxCnts; }

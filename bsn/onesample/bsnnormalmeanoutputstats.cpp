@@ -32,6 +32,7 @@ public:
     BSNSettings settings;
     std::vector<int> varIndices;
     std::vector<double> bayesFactors;
+    std::vector<double> logBayesFactors;
     std::vector<double> ns;
     std::vector<double> stdDevs;
     std::vector<double> stdErrors;
@@ -62,6 +63,7 @@ BSNNormalMeanOutputStats::BSNNormalMeanOutputStats(const BSNSettings& settings, 
     SetOutputValues(settings, settings.GetCovariates(), p.GetFactors(), p.GetNs(), p.GetStdDeviations(),
                     p.GetStdErrorMeans(), p.GetDfs(), p.GetSigs(), p.GetTtests(), p.getModeValues(),
                     p.getPostMeanValues(), p.getVariances(), p.getLowerimits(), p.getUpperLimits(), p.GetMeans());
+    SetLogBayesFactors(p.GetLogBayesFactors());
     SetPlotValues(p.GetPlotArguments4Likelihoods(), p.GetPlotArguments4Prior(), p.GetPlotArguments4Posterior(),
                   p.GetPlotLikelihoods(), p.GetPlotPosterior(), p.GetPlotPrior());
 }
@@ -100,6 +102,10 @@ void BSNNormalMeanOutputStats::SetOutputValues(
     d.means = clean(means);
 }
 
+void BSNNormalMeanOutputStats::SetLogBayesFactors(const std::vector<double>& logBayesFactors) {
+    m_imp->logBayesFactors = clean(logBayesFactors);
+}
+
 void BSNNormalMeanOutputStats::SetPlotValues(const Curves& argsLikelihood, const Curves& argsPrior,
                                               const Curves& argsPosterior, const Curves& likelihoods,
                                               const Curves& posteriors, const Curves& priors) {
@@ -115,6 +121,7 @@ void BSNNormalMeanOutputStats::SetPlotValues(const Curves& argsLikelihood, const
 const BSNSettings& BSNNormalMeanOutputStats::GetSettings() const { return m_imp->settings; }
 const std::vector<int>& BSNNormalMeanOutputStats::GetVarIndices() const { return m_imp->varIndices; }
 const std::vector<double>& BSNNormalMeanOutputStats::GetBayesFactors() const { return m_imp->bayesFactors; }
+const std::vector<double>& BSNNormalMeanOutputStats::GetLogBayesFactors() const { return m_imp->logBayesFactors; }
 const std::vector<double>& BSNNormalMeanOutputStats::GetNs() const { return m_imp->ns; }
 const std::vector<double>& BSNNormalMeanOutputStats::GetStdDevs() const { return m_imp->stdDevs; }
 const std::vector<double>& BSNNormalMeanOutputStats::GetEMs() const { return m_imp->stdErrors; }
@@ -150,6 +157,7 @@ void BSNNormalMeanOutputStats::DisplayFields() const {
     const BSN1SampleNormOutputStatsImp& d = *m_imp;
     DisplayIV("Variable Indices", d.varIndices);
     DisplayDV("Bayes Factors", d.bayesFactors);
+    DisplayDV("Log Bayes Factors", d.logBayesFactors);
     DisplayDV("Ns", d.ns);
     DisplayDV("Standard Deviations", d.stdDevs);
     DisplayDV("Standard Error Means", d.stdErrors);

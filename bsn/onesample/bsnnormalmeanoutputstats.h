@@ -28,7 +28,10 @@ public:
 
     const BSNSettings& GetSettings() const;
     const std::vector<int>& GetVarIndices() const;
+    // The factors themselves (0 where one underflows) and their natural
+    // logs, computed on the log scale, so finite where the factor is 0.
     const std::vector<double>& GetBayesFactors() const;
+    const std::vector<double>& GetLogBayesFactors() const;
     const std::vector<double>& GetNs() const;
     const std::vector<double>& GetStdDevs() const;
     const std::vector<double>& GetEMs() const;
@@ -67,6 +70,8 @@ protected:
                          const std::vector<double>& postMeans, const std::vector<double>& variances,
                          const std::vector<double>& lowerLimits, const std::vector<double>& upperLimits,
                          const std::vector<double>& means);
+    // Replaces the log Bayes factors (SetOutputValues leaves them alone).
+    void SetLogBayesFactors(const std::vector<double>& logBayesFactors);
     // Replaces the six curves.
     void SetPlotValues(const Curves& argsLikelihood, const Curves& argsPrior, const Curves& argsPosterior,
                        const Curves& likelihoods, const Curves& posteriors, const Curves& priors);

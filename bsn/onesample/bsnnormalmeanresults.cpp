@@ -17,6 +17,7 @@ void BSNNormalMeanResults::DisplayResults(const std::string& meansLabel) const {
     DisplayDV("Degrees of Freedom", m_dfs);
     DisplayDV("Ns", m_ns);
     DisplayDV("Bayes Factors", m_factors);
+    DisplayDV("Log Bayes Factors", m_logFactors);
     DisplayDV("T Values", m_tValues);
     DisplayDV("Significances", m_sigs);
     m_posterior.Display();

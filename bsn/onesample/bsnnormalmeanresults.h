@@ -25,6 +25,8 @@ public:
     const std::vector<double>& GetStdDeviations() const { return m_stdDevs; }
     const std::vector<double>& GetStdErrorMeans() const { return m_stdErrors; }
     const std::vector<double>& GetFactors() const { return m_factors; }
+    // The natural log of each factor, computed on the log scale.
+    const std::vector<double>& GetLogBayesFactors() const { return m_logFactors; }
     const std::vector<double>& GetTtests() const { return m_tValues; }
     const std::vector<double>& GetDfs() const { return m_dfs; }
     const std::vector<double>& GetNs() const { return m_ns; }
@@ -61,6 +63,7 @@ protected:
     std::vector<double> m_ns;
 
     std::vector<double> m_factors;
+    std::vector<double> m_logFactors;
     std::vector<double> m_tValues;
     std::vector<double> m_sigs;
     BSN1SampleNormalInference::Results m_posterior;

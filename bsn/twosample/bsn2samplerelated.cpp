@@ -111,7 +111,9 @@ MCStatus BSN2SampleRelated::ComputeBasicStats(MCCommon_850::MultiPassRecordIter&
             continue;
         }
         const double sxx = acc.GetXProd(0, 0), syy = acc.GetXProd(1, 1), sxy = acc.GetXProd(0, 1);
-        m_means[i] = acc.GetMeans()[0] - acc.GetMeans()[1];
+        // Taken from the accumulator's origins and shifted means, so that two
+        // members near 1e9 give their difference without rounding at 1e9.
+        m_means[i] = acc.GetMeanDifference(0, 1);
         m_dfs[i] = n - 1.0;
         m_ns[i] = n;
         const double variance = sxx / (n - 1.0) + syy / (n - 1.0) - 2.0 * sxy / (n - 1.0);
@@ -138,7 +140,9 @@ void BSN2SampleRelated::computeTtest(int i) {
     // for this pair tests against 0.
     const std::vector<double>& nulls = m_settings.GetNullValues();
     const double mu0 = static_cast<std::size_t>(i) < nulls.size() ? nulls[i] : 0.0;
-    const double t = (d - mu0) / se;
+    // The distance from the null value straight from the accumulator (exact
+    // for members far from zero), not from the rounded mean difference.
+    const double t = m_pairStats[i].GetMeanDifference(0, 1, mu0) / se;
     if (!present(t)) return;
     const double p = MCMath_850::MCDistFun::CdfT(std::fabs(t), m_dfs[i]);
     if (!present(p)) return;
@@ -148,18 +152,21 @@ void BSN2SampleRelated::computeTtest(int i) {
 
 MCStatus BSN2SampleRelated::computeFactor() {
     const std::size_t nPairs = m_means.size();
-    for (auto* v : {&m_factors, &m_tValues, &m_sigs}) v->assign(nPairs, MCMV::Missing());
+    for (auto* v : {&m_factors, &m_logFactors, &m_tValues, &m_sigs}) v->assign(nPairs, MCMV::Missing());
     for (std::size_t i = 0; i < nPairs; ++i) computeTtest(static_cast<int>(i));
 
     for (std::size_t i = 0; i < nPairs; ++i) {
         if (m_cancelInfo.WillCancel()) return MCStatus(1, false);
         // A pair without a t (too few cases, constant difference) gets no
         // factor in any variant: the shared choice sees the missing t.
-        double bf = MCMV::Missing();
+        double bf = MCMV::Missing(), logBf = MCMV::Missing();
+        const int pair = static_cast<int>(i);
+        const double deviation =
+            m_pairStats[i].GetMeanDifference(0, 1, BSN1SampleNormalUtils::NullValue(m_settings, pair));
         const MCStatus st = BSN1SampleNormalUtils::ComputeFactorForVariable(
-            m_settings, static_cast<int>(i), static_cast<int>(nPairs), m_ns[i], m_tValues[i], m_means[i], &bf,
-            m_warnings);
+            m_settings, pair, static_cast<int>(nPairs), m_ns[i], m_tValues[i], deviation, &bf, m_warnings, &logBf);
         m_factors[i] = MCMV::Sanitize(bf);
+        m_logFactors[i] = MCMV::Sanitize(logBf);
         if (st.IsError()) return st;
         if (st.IsWarning()) m_warnings.AddWarning(st, nullptr);
     }

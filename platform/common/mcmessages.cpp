@@ -15,6 +15,18 @@ bool PlatformMessage(int code, std::string& text) {
         text = "Error: the PMML document could not be written (a covariance matrix of the wrong size, or a part "
                "of the model that cannot be expressed)";
         return true;
+    case 420040:
+        text = "Warning: records with a factor code outside the declared categories or a negative weight "
+               "were left out of the table";
+        return true;
+    case 420041:
+        text = "Warning: some pairs of categories have no proper posterior (a cell's shape plus count is not "
+               "positive); their estimates are missing";
+        return true;
+    case 420042:
+        text = "Warning: there are too many pairs of categories (more than ten million) for posterior "
+               "estimates; none were computed";
+        return true;
     default:
         return false;
     }

@@ -4,6 +4,9 @@
 //   420001  numerical integration stopped at its iteration limit (warning)
 //   102     a factor or covariate of a PMML model is not in the variable list (error)
 //   303     a PMML document could not be written (error)
+//   420040  log-linear: records with an invalid factor code or weight left out (warning; datum 0 = count)
+//   420041  log-linear: pairs of categories without a proper posterior (warning)
+//   420042  log-linear: too many pairs of categories for posterior estimates (warning)
 #include <string>
 
 namespace MCCommon_850 {

@@ -14,6 +14,11 @@ public:
     // ln Γ(x) for x > 0.
     static double quondnlgam(double x);
 
+    // The remainder of Stirling's series, ln Γ(z) - [(z - 1/2) ln z - z +
+    // ln √(2π)], for z > 0: small (about 1/(12 z)) and free of the
+    // cancellation that subtracting two large log-gamma values brings.
+    static double StirlingRemainder(double z);
+
     static double PdfBeta(double x, double a, double b);
     static double CdfBeta(double x, double a, double b);
     static double IdfBeta(double p, double a, double b);

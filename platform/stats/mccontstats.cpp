@@ -12,6 +12,7 @@ using MCCommon_850::MCMV;
 void MCContStats::Update(double value, double weight) {
     if (MCMV::IsMissing(value) || MCMV::IsMissing(weight) || weight <= 0.0) return;
     if (m_sumWeights == 0.0) {
+        m_origin = value;
         m_min = value;
         m_max = value;
     } else {
@@ -19,10 +20,11 @@ void MCContStats::Update(double value, double weight) {
         m_max = std::max(m_max, value);
     }
     // West (1979): the weighted update keeps the deviation from the running
-    // mean small, so a weight of a billion or a mean of 1e9 with a spread of 1
-    // loses no more precision than the data already has.
+    // mean small, so a weight of a billion loses nothing. It runs on the
+    // value minus the origin (exact for values within a factor of two of
+    // it), so that the running mean is not rounded at the data's magnitude.
     const double newSum = m_sumWeights + weight;
-    const double delta = value - m_mean;
+    const double delta = (value - m_origin) - m_mean;
     const double r = delta * weight / newSum;
     m_mean += r;
     m_m2 += m_sumWeights * delta * r;
@@ -31,7 +33,12 @@ void MCContStats::Update(double value, double weight) {
 
 double MCContStats::GetSumWeights() const { return m_sumWeights; }
 
-double MCContStats::GetMean() const { return m_sumWeights > 0.0 ? m_mean : MCMV::Missing(); }
+double MCContStats::GetMean() const { return m_sumWeights > 0.0 ? m_origin + m_mean : MCMV::Missing(); }
+
+double MCContStats::GetMeanMinus(double value) const {
+    if (!(m_sumWeights > 0.0) || MCMV::IsMissing(value)) return MCMV::Missing();
+    return MCMV::Sanitize((m_origin - value) + m_mean);
+}
 
 double MCContStats::GetVariance() const {
     if (m_sumWeights <= 1.0) return MCMV::Missing();
@@ -47,6 +54,7 @@ void MCContStats::Display(std::ostream& os) const {
     StreamGuard guard(os);
     DisplayText(0, "MCContStats display start");
     DisplayD("Sum of weights", m_sumWeights);
+    DisplayD("Origin", m_origin);
     DisplayD("Mean", GetMean());
     DisplayD("Sum of squared deviations", m_m2);
     DisplayD("Variance", GetVariance());

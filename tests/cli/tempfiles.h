@@ -28,7 +28,6 @@ public:
     TempDir& operator=(const TempDir&) = delete;
 
     std::string Path(const std::string& name) const { return (m_path / name).string(); }
-    const std::filesystem::path& Dir() const { return m_path; }
 
     // Writes the bytes exactly as given (no newline translation).
     std::string Write(const std::string& name, const std::string& content) const {

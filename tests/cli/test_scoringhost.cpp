@@ -51,7 +51,7 @@ std::vector<std::vector<std::string>> csvRows(const std::string& text) {
 // Files left in the directory besides the ones named.
 std::vector<std::string> strayFiles(const bsntest::TempDir& dir, const std::vector<std::string>& expected) {
     std::vector<std::string> stray;
-    for (const auto& f : std::filesystem::directory_iterator(dir.Dir())) {
+    for (const auto& f : std::filesystem::directory_iterator(dir.Path(""))) {
         const std::string name = f.path().filename().string();
         if (std::find(expected.begin(), expected.end(), name) == expected.end()) stray.push_back(name);
     }

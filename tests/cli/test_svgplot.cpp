@@ -1,6 +1,8 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <filesystem>
+#include <numbers>
 #include <sstream>
 #include <string>
 #include <vector>
@@ -8,38 +10,107 @@
 #include "cli/resultview.h"
 #include "cli/svgplot.h"
 #include "platform/common/mcmv.h"
+#include "tests/cli/svgcheck.h"
 #include "tests/cli/tempfiles.h"
 
 using bsncli::Curve;
+using bsncli::FactorDirection;
 using bsncli::PlotSet;
+using bsntest::Attr;
+using bsntest::ByClass;
+using bsntest::ByName;
 using MCCommon_850::MCMV;
+using tinyxml2::XMLElement;
 
 namespace {
 
 constexpr double M = MCMV::Missing();
 
-int count(const std::string& text, const std::string& what) {
-    int n = 0;
-    for (std::size_t p = text.find(what); p != std::string::npos; p = text.find(what, p + 1)) ++n;
-    return n;
+double normalPdf(double x, double mean, double sd) {
+    return std::exp(-0.5 * (x - mean) * (x - mean) / (sd * sd)) / (sd * std::sqrt(2 * std::numbers::pi));
 }
 
-// The "x,y" pairs of every polyline, in document order.
-std::vector<std::vector<std::pair<double, double>>> polylines(const std::string& svg) {
-    std::vector<std::vector<std::pair<double, double>>> out;
-    const std::string key = "points=\"";
-    for (std::size_t p = svg.find(key); p != std::string::npos; p = svg.find(key, p + 1)) {
-        const std::size_t start = p + key.size();
-        std::vector<std::pair<double, double>> pts;
-        std::istringstream in(svg.substr(start, svg.find('"', start) - start));
-        std::string pair;
-        while (in >> pair) {
-            const auto comma = pair.find(',');
-            pts.emplace_back(std::stod(pair.substr(0, comma)), std::stod(pair.substr(comma + 1)));
+Curve normalCurve(double mean, double sd, double lo, double hi, int n = 401) {
+    Curve c;
+    for (int i = 0; i < n; ++i) {
+        const double x = lo + (hi - lo) * i / (n - 1);
+        c.x.push_back(x);
+        c.y.push_back(normalPdf(x, mean, sd));
+    }
+    return c;
+}
+
+// A parsed picture that has passed the checks every picture must pass:
+// well-formed, every text inside the page, the legend inside the main frame.
+struct Svg {
+    tinyxml2::XMLDocument doc;
+    const XMLElement* root = nullptr;
+
+    explicit Svg(const std::string& text) {
+        EXPECT_EQ(doc.Parse(text.c_str()), tinyxml2::XML_SUCCESS) << doc.ErrorStr();
+        root = doc.RootElement();
+        if (root == nullptr) return;
+        const double w = root->DoubleAttribute("width"), h = root->DoubleAttribute("height");
+        for (const XMLElement* t : ByName(root, "text")) {
+            const auto b = bsntest::BoxOf(*t);
+            EXPECT_TRUE(b.left >= 0 && b.right <= w && b.top >= 0 && b.bottom <= h)
+                << "'" << b.text << "' at " << b.left << ".." << b.right << " x " << b.top << ".." << b.bottom;
         }
-        out.push_back(pts);
+        const auto frames = ByClass(root, "frame"), legends = ByClass(root, "legend");
+        if (frames.empty() || legends.empty()) return;
+        const XMLElement* box = legends[0]->FirstChildElement("rect");
+        const double fx = frames[0]->DoubleAttribute("x"), fy = frames[0]->DoubleAttribute("y");
+        EXPECT_GE(box->DoubleAttribute("x"), fx);
+        EXPECT_GE(box->DoubleAttribute("y"), fy);
+        EXPECT_LE(box->DoubleAttribute("x") + box->DoubleAttribute("width"), fx + frames[0]->DoubleAttribute("width"));
+        EXPECT_LE(box->DoubleAttribute("y") + box->DoubleAttribute("height"), fy + frames[0]->DoubleAttribute("height"));
+    }
+
+    const XMLElement* panel(const char* cls) const {
+        for (const XMLElement* p : ByClass(root, "panel"))
+            if (Attr(*p, "class").find(cls) != std::string::npos) return p;
+        return nullptr;
+    }
+    std::vector<std::string> texts(const XMLElement* under, const char* cls) const {
+        std::vector<std::string> out;
+        for (const XMLElement* t : ByClass(under, cls)) out.push_back(bsntest::Text(t));
+        return out;
+    }
+};
+
+// Data value at a page coordinate, read from a panel's tick labels.
+double fromTicks(const XMLElement* panel, const char* axis, double page) {
+    const auto ticks = ByClass(panel, axis);
+    EXPECT_GE(ticks.size(), 2u);
+    const char* coord = std::string(axis) == "x" ? "x" : "y";
+    const double offset = std::string(axis) == "x" ? 0 : -4;  // y labels sit 4 below their tick
+    const double p0 = ticks.front()->DoubleAttribute(coord) + offset, p1 = ticks.back()->DoubleAttribute(coord) + offset;
+    const double v0 = std::stod(bsntest::Text(ticks.front())), v1 = std::stod(bsntest::Text(ticks.back()));
+    return v0 + (page - p0) * (v1 - v0) / (p1 - p0);
+}
+
+std::vector<std::pair<double, double>> points(const XMLElement& e) {
+    std::vector<std::pair<double, double>> out;
+    std::istringstream in(Attr(e, "points"));
+    std::string pair;
+    while (in >> pair) {
+        const auto comma = pair.find(',');
+        out.emplace_back(std::stod(pair.substr(0, comma)), std::stod(pair.substr(comma + 1)));
     }
     return out;
+}
+
+double topOf(const XMLElement* panel, const char* cls) {  // smallest page y of a curve
+    double top = 1e9;
+    for (const XMLElement* e : ByClass(panel, cls))
+        for (const auto& p : points(*e)) top = std::min(top, p.second);
+    return top;
+}
+
+bool contains(const std::vector<std::string>& texts, const std::string& part) {
+    for (const auto& t : texts)
+        if (t.find(part) != std::string::npos) return true;
+    return false;
 }
 
 } // namespace
@@ -56,82 +127,160 @@ TEST(SvgPlot, LikelihoodIsScaledFromItsLogarithm) {
         const double t = 0.1 * (i + 1);
         EXPECT_NEAR(scaled[static_cast<std::size_t>(i)], std::pow(t, 3) * std::pow(1 - t, 7) / peak, 1e-12) << t;
     }
-    EXPECT_EQ(scaled[2], 1.0);
-    EXPECT_EQ(scaled[5], M);  // a missing point stays missing
-    // Log-likelihoods far below the double range still scale without underflow at the peak.
-    EXPECT_EQ(bsncli::ScaleLogLikelihood({-5000.0, -5001.0})[0], 1.0);
+    EXPECT_EQ(scaled[5], M);
     EXPECT_NEAR(bsncli::ScaleLogLikelihood({-5000.0, -5001.0})[1], std::exp(-1.0), 1e-15);
-}
 
-TEST(SvgPlot, FlatPriorsAndMissingPoints) {
     EXPECT_TRUE(bsncli::IsFlatPrior({{0.0, 1.0}, {1.0, 1.0}}));
-    EXPECT_TRUE(bsncli::IsFlatPrior({{}, {1.0, 1.0}}));
     EXPECT_FALSE(bsncli::IsFlatPrior({{0, 0.5, 1}, {1.0, 1.0, 1.0}}));
-    EXPECT_FALSE(bsncli::IsFlatPrior({{0, 1}, {1.0, 0.999}}));
-
-    const Curve c{{0, 1, 2, 3, 4, 5, M, 7}, {1, M, 2, 3, 4, 5, 6, 7}};
-    const auto segments = bsncli::CurveSegments(c);
+    const auto segments = bsncli::CurveSegments({{0, 1, 2, 3, M, 5}, {1, M, 2, 3, 4, 5}});
     ASSERT_EQ(segments.size(), 3u);
-    EXPECT_EQ(segments[0], (bsncli::Segment{{0, 1}}));
-    EXPECT_EQ(segments[1], (bsncli::Segment{{2, 2}, {3, 3}, {4, 4}, {5, 5}}));
-    EXPECT_EQ(segments[2], (bsncli::Segment{{7, 7}}));
+    EXPECT_EQ(segments[1], (bsncli::Segment{{2, 2}, {3, 3}}));
 }
 
-TEST(SvgPlot, ThreePanelsWithLegendFlatLineAndBrokenCurves) {
+TEST(SvgPlot, BayesFactorInWords) {
+    struct Case {
+        double bf;
+        bool isLog;
+        FactorDirection direction;
+        std::string words;
+    };
+    const std::vector<Case> cases = {
+        {3.69, false, FactorDirection::NullOverAlternative, "BF01 = 3.69: the data are 3.7 times more likely under the null"},
+        {0.2, false, FactorDirection::NullOverAlternative, "BF01 = 0.2: the data are 5 times more likely under the alternative"},
+        {2.13041e-05, false, FactorDirection::NullOverAlternative,
+         "BF01 = 2.13e-05: the data are 46939 times more likely under the alternative"},
+        {1.02, false, FactorDirection::NullOverAlternative,
+         "BF01 = 1.02: the data are about equally likely under the null and the alternative"},
+        {-812.4, true, FactorDirection::NullOverAlternative,
+         "log BF01 = -812.4: the data are exp(812.4) times more likely under the alternative"},
+        {12.5, false, FactorDirection::ModelOverNull,
+         "BF10 = 12.5: the data are 12.5 times more likely under the model than under the intercept-only model"},
+        {0.25, false, FactorDirection::ModelOverFull,
+         "BF(model vs full) = 0.25: the data are 4 times more likely under the full model than under the model"},
+        {M, false, FactorDirection::NullOverAlternative, ""},
+    };
+    for (const Case& c : cases) {
+        PlotSet plot;
+        plot.bayesFactor = c.bf;
+        plot.bayesFactorIsLog = c.isLog;
+        plot.direction = c.direction;
+        EXPECT_EQ(bsncli::FactorInWords(plot), c.words);
+    }
+}
+
+TEST(SvgPlot, PriorPosteriorAndLikelihoodShareOneAxis) {
+    // Posterior N(1, 0.5) and prior N(0, 1): peaks within a factor of five,
+    // so both on the density scale, one panel; the null inside the axis.
     PlotSet plot;
-    plot.variable = "dose <mg>";
+    plot.variable = "dose <mg> & \"x\"";
     plot.parameter = "mean";
-    plot.logLikelihood = {{-1, 0, 1, 2}, {-2, -0.5, M, -1}};
-    plot.prior = {{-10, 10}, {1.0, 1.0}};
-    plot.posterior = {{-1, 0, 1}, {0.1, 0.4, 0.1}};
-    const std::string svg = bsncli::RenderPlotSvg(plot);
-    EXPECT_EQ(svg.rfind("<?xml", 0), 0u);
-    EXPECT_NE(svg.find("</svg>"), std::string::npos);
-    EXPECT_NE(svg.find("dose &lt;mg&gt;"), std::string::npos);  // names are escaped
-    EXPECT_NE(svg.find("likelihood (scaled"), std::string::npos);
-    EXPECT_NE(svg.find("prior (flat"), std::string::npos);
-    EXPECT_NE(svg.find("posterior density"), std::string::npos);
-    EXPECT_EQ(count(svg, ">mean</text>"), 3);  // every panel labels its x axis
-    EXPECT_EQ(count(svg, "<rect x="), 3);
-
-    const auto lines = polylines(svg);
-    // Likelihood: two points before the missing one (the third is drawn as a dot),
-    // the flat prior as one two-point horizontal line, the posterior whole.
-    ASSERT_EQ(lines.size(), 3u);
-    EXPECT_EQ(lines[0].size(), 2u);
-    EXPECT_EQ(count(svg, "<circle"), 1);
-    ASSERT_EQ(lines[1].size(), 2u);
-    EXPECT_EQ(lines[1][0].second, lines[1][1].second);
-    EXPECT_LT(lines[1][0].first, lines[1][1].first);
-    EXPECT_EQ(lines[2].size(), 3u);
-    // The scaled likelihood peaks (smallest y on screen) at its largest log value.
-    EXPECT_LT(lines[0][1].second, lines[0][0].second);
-
-    PlotSet empty;
-    empty.variable = "v";
-    const std::string none = bsncli::RenderPlotSvg(empty);
-    EXPECT_EQ(count(none, "<polyline"), 0);
-    EXPECT_NE(none.find("no posterior curve"), std::string::npos);
+    plot.posterior = normalCurve(1, 0.5, -1, 3);
+    plot.prior = normalCurve(0, 1, -4, 4);
+    plot.logLikelihood = plot.posterior;
+    for (double& y : plot.logLikelihood.y) y = std::log(y) + 1234.0;
+    plot.ciLower = 1 - 1.96 * 0.5;
+    plot.ciUpper = 1 + 1.96 * 0.5;
+    plot.ciLevel = 95;
+    plot.nullValue = 2.5;
+    plot.bayesFactor = 3.69;
+    const Svg svg(bsncli::RenderPlotSvg(plot));
+    ASSERT_NE(svg.root, nullptr);
+    EXPECT_EQ(svg.texts(svg.root, "title"), std::vector<std::string>{"dose <mg> & \"x\""});
+    EXPECT_EQ(svg.texts(svg.root, "subtitle").at(0), "BF01 = 3.69: the data are 3.7 times more likely under the null");
+    EXPECT_EQ(svg.panel("closeup"), nullptr);
+    const XMLElement* main = svg.panel("main");
+    ASSERT_NE(main, nullptr);
+    EXPECT_EQ(svg.texts(main, "legend-text"),
+              (std::vector<std::string>{"posterior", "95% credible interval", "prior",
+                                        "likelihood, scaled to the posterior's peak", "null value = 2.5"}));
+    // Heights read back through the y ticks: true densities for both, the
+    // likelihood's peak on the posterior's.
+    EXPECT_NEAR(fromTicks(main, "y", topOf(main, "posterior")), normalPdf(1, 1, 0.5), 0.01);
+    EXPECT_NEAR(fromTicks(main, "y", topOf(main, "prior")), normalPdf(0, 0, 1), 0.01);
+    EXPECT_NEAR(topOf(main, "likelihood"), topOf(main, "posterior"), 0.01);
+    // The shading spans the interval, the null line stands at the null value,
+    // and the axis spans the prior's mass (beyond |x| = 3.7 it is below 1e-3 of its peak).
+    const auto shade = points(*ByClass(main, "ci").at(0));
+    EXPECT_NEAR(fromTicks(main, "x", shade.front().first), plot.ciLower, 0.01);
+    EXPECT_NEAR(fromTicks(main, "x", shade.back().first), plot.ciUpper, 0.01);
+    EXPECT_NEAR(fromTicks(main, "x", ByClass(main, "null").at(0)->DoubleAttribute("x1")), 2.5, 0.01);
+    const XMLElement* frame = ByClass(main, "frame").at(0);
+    EXPECT_NEAR(fromTicks(main, "x", frame->DoubleAttribute("x")), -3.72, 0.05);
+    EXPECT_EQ(svg.texts(main, "ci-label"), (std::vector<std::string>{"0.02", "1.98"}));
 }
 
-TEST(SvgPlot, OneFilePerVariableNamedAfterIt) {
+TEST(SvgPlot, ALowPriorIsRescaledAndANarrowPosteriorGetsACloseUp) {
+    PlotSet plot;
+    plot.variable = "x";
+    plot.posterior = normalCurve(1, 0.5, -1, 3);
+    plot.prior = normalCurve(0, 10, -40, 40);  // peak 1/20 of the posterior's: drawn x10
+    plot.ciLower = 0.02;
+    plot.ciUpper = 1.98;
+    plot.nullValue = 200;  // far off the axis
+    const Svg svg(bsncli::RenderPlotSvg(plot));
+    const XMLElement* main = svg.panel("main");
+    const XMLElement* close = svg.panel("closeup");
+    ASSERT_TRUE(main != nullptr && close != nullptr);
+    const auto legend = svg.texts(main, "legend-text");
+    EXPECT_TRUE(contains(legend, "prior \u00d710 (rescaled"));
+    EXPECT_TRUE(contains(legend, "null value = 200 (off the axis, to the right)"));
+    EXPECT_NEAR(fromTicks(main, "y", topOf(main, "prior")), 10 * normalPdf(0, 0, 10), 0.01);
+    EXPECT_TRUE(ByClass(main, "null").empty());
+    // The limits are written in the close-up only, where the interval is wide.
+    EXPECT_TRUE(svg.texts(main, "ci-label").empty());
+    EXPECT_EQ(svg.texts(close, "ci-label"), (std::vector<std::string>{"0.02", "1.98"}));
+    EXPECT_LT(fromTicks(close, "x", ByClass(close, "frame").at(0)->DoubleAttribute("x")), 0.02);
+}
+
+TEST(SvgPlot, FlatPriorBrokenCurvesLongNamesAndNothing) {
+    PlotSet plot;
+    plot.variable = std::string(150, 'a') + "\u00e9" + std::string(150, 'z');
+    plot.posterior = normalCurve(0, 1, -4, 4, 81);
+    plot.posterior.y[40] = M;  // breaks the posterior in two
+    plot.prior = {{-10, 10}, {1.0, 1.0}};
+    plot.bayesFactor = -812.4;
+    plot.bayesFactorIsLog = true;
+    const Svg svg(bsncli::RenderPlotSvg(plot));
+    const std::string title = svg.texts(svg.root, "title").at(0);
+    EXPECT_EQ(title.substr(0, 3), "aaa");
+    EXPECT_EQ(title.substr(title.size() - 3), "zzz");
+    EXPECT_NE(title.find("\u2026"), std::string::npos);
+    EXPECT_EQ(svg.texts(svg.root, "subtitle").at(0).substr(0, 18), "log BF01 = -812.4:");
+    const XMLElement* main = svg.panel("main");
+    EXPECT_EQ(ByClass(main, "posterior").size(), 2u);
+    const auto flat = points(*ByClass(main, "prior").at(0));
+    ASSERT_EQ(flat.size(), 2u);
+    EXPECT_EQ(flat[0].second, flat[1].second);
+    EXPECT_NEAR(fromTicks(main, "y", flat[0].second), 0.5 * normalPdf(0.1, 0, 1), 0.01);  // half the drawn peak
+    EXPECT_TRUE(contains(svg.texts(main, "legend-text"), "prior: flat (height arbitrary)"));
+
+    // Far from zero and narrower than a step of the doubles there: drawn,
+    // with a bounded number of ticks.
+    PlotSet narrow;
+    narrow.posterior = {{1e9, 1e9, 1e9 + 1e-7}, {1, 2, 1}};
+    const Svg far(bsncli::RenderPlotSvg(narrow));
+    EXPECT_LE(ByClass(far.root, "tick").size(), 30u);
+
+    const Svg none(bsncli::RenderPlotSvg(PlotSet{}));
+    EXPECT_EQ(none.texts(none.root, "empty"), std::vector<std::string>{"no curves to draw"});
+    EXPECT_TRUE(ByName(none.root, "polyline").empty());
+}
+
+TEST(SvgPlot, OneFilePerPlotAndFigureWrittenWhole) {
     bsntest::TempDir dir;
     EXPECT_EQ(bsncli::PlotFileStem("a/b c"), "a_b_c");
-    EXPECT_EQ(bsncli::PlotFileStem(""), "variable");
     EXPECT_EQ(bsncli::PlotFileStem(".."), "variable..");
     std::vector<PlotSet> plots(3);
     plots[0].variable = "x";
     plots[1].variable = "y - z";
     plots[2].variable = "x";
     for (auto& p : plots) p.posterior = {{0, 1}, {1, 2}};
+    const std::vector<bsncli::SvgFigure> figures = {{"x", "<svg xmlns=\"http://www.w3.org/2000/svg\"/>"}};
     const std::string out = dir.Path("plots/sub");
-    const auto written = bsncli::WritePlots(plots, out);
-    ASSERT_EQ(written.size(), 3u);
-    EXPECT_EQ(written[0], out + "/x.svg");
-    EXPECT_EQ(written[1], out + "/y_-_z.svg");
-    EXPECT_EQ(written[2], out + "/x_2.svg");
-    for (const auto& path : written) EXPECT_NE(bsntest::TempDir::Read(path).find("<svg"), std::string::npos);
-    // A plots path that is a file cannot become a directory.
+    const auto written = bsncli::WritePlots(plots, out, figures);
+    EXPECT_EQ(written, (std::vector<std::string>{out + "/x.svg", out + "/y_-_z.svg", out + "/x_2.svg", out + "/x_3.svg"}));
+    EXPECT_EQ(bsntest::TempDir::Read(out + "/x_3.svg"), figures[0].svg);
+    EXPECT_EQ(std::distance(std::filesystem::directory_iterator(out), {}), 4);  // no temporary file left
     const std::string file = dir.Write("f", "x");
     EXPECT_THROW(bsncli::WritePlots(plots, file), std::exception);
 }
@@ -139,8 +288,6 @@ TEST(SvgPlot, OneFilePerVariableNamedAfterIt) {
 TEST(ResultTables, LogFactorsMissingCellsAndAlignment) {
     const auto cells = bsncli::FormatBayesFactors({2.5, 812.25, M, -900.5}, {false, true, true, true}, 5);
     EXPECT_EQ(cells, (std::vector<std::string>{"2.5", "exp(812.25)", ".", "exp(-900.5)", "."}));
-    EXPECT_EQ(bsncli::FormatNumbers({1.0 / 3.0, 1e-12, 120}, 3), (std::vector<std::string>{"0.333333", "1e-12", "120"}));
-
     bsncli::TextTable t("Title");
     t.AddColumn("Variable", {"a", "long name"});
     t.AddColumn("N", {"5", "120"});
@@ -153,12 +300,6 @@ TEST(ResultTables, LogFactorsMissingCellsAndAlignment) {
                         "  a            5\n"
                         "  long name  120\n"
                         "  note\n\n");
-
-    const auto table = bsncli::BayesFactorTable("BF", {"a", "b"}, {3.0, 1000.0}, {false, true});
-    std::ostringstream bf;
-    table.Print(bf);
-    EXPECT_NE(bf.str().find("exp(1000)"), std::string::npos);
-    EXPECT_NE(bf.str().find("natural logarithm"), std::string::npos);
 }
 
 TEST(ResultTables, JsonTextReadsBackAsWritten) {
@@ -168,5 +309,4 @@ TEST(ResultTables, JsonTextReadsBackAsWritten) {
     const std::string text = bsncli::DumpJson(doc);
     EXPECT_EQ(nlohmann::ordered_json::parse(text), doc);
     EXPECT_NE(text.find("\"n\": [1.5, null, -2e-300]"), std::string::npos) << text;
-    EXPECT_EQ(text.find("\"z\""), 4u);  // keys keep their order
 }

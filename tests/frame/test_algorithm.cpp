@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <sstream>
 #include <vector>
 
@@ -23,15 +24,12 @@ public:
         : BSNAlgorithm(s, MCXML_850::MCVarList()), m_stages(std::move(stages)), m_rule(rule) {}
 
     MCStatus BuildModel(MCCommon_850::MultiPassRecordIter& iter) override {
-        if (!TakeStageStatus(RunDataPass(
-                iter,
-                [this](const MCCommon_850::Record& r, double w) {
-                    sumWeights += w;
-                    sumValues += w * r.GetValue(0);
-                    ++used;
-                },
-                m_rule)))
-            return FinishBuild();
+        const auto add = [this](const MCCommon_850::Record& r, double w) {
+            sumWeights += w;
+            sumValues += w * r.GetValue(0);
+            ++used;
+        };
+        if (!TakeStageStatus(RunDataPass(iter, add, m_rule))) return FinishBuild();
         for (const MCStatus& stage : m_stages) {
             ++stagesRun;
             if (!TakeStageStatus(stage)) break;
@@ -60,23 +58,16 @@ struct CancelAfter : MCCommon_850::MCQueryCancel {
     bool IsCancel() const override { return --left < 0; }
 };
 
-// Yields a null record at the given rows, as a source with gaps may.
+// Yields a null record at the given rows (0-based), as a source with gaps may.
 class GappyIter : public MCCommon_850::ColumnRecordIter {
 public:
     GappyIter(const std::vector<std::vector<double>>& cols, std::vector<std::size_t> gaps)
         : ColumnRecordIter(cols), m_gaps(std::move(gaps)) {}
-    void Reset() override {
-        ColumnRecordIter::Reset();
-        m_row = 0;
-    }
-    bool Advance() override {
-        ++m_row;
-        return ColumnRecordIter::Advance();
-    }
+    void Reset() override { ColumnRecordIter::Reset(), m_row = 0; }
+    bool Advance() override { return ++m_row, ColumnRecordIter::Advance(); }
     const MCCommon_850::Record* GetRecord() const override {
-        for (auto g : m_gaps)
-            if (g + 1 == m_row) return nullptr;
-        return ColumnRecordIter::GetRecord();
+        const bool gap = std::find(m_gaps.begin(), m_gaps.end(), m_row - 1) != m_gaps.end();
+        return gap ? nullptr : ColumnRecordIter::GetRecord();
     }
 
 private:
@@ -87,36 +78,36 @@ private:
 } // namespace
 
 TEST(Frame, FrequencyWeightsRoundHalfUp) {
-    EXPECT_EQ(BSNAlgorithm::RoundFrequencyWeight(2.4), 2.0);
-    EXPECT_EQ(BSNAlgorithm::RoundFrequencyWeight(2.5), 3.0);
-    EXPECT_EQ(BSNAlgorithm::RoundFrequencyWeight(0.5), 1.0);
-    EXPECT_EQ(BSNAlgorithm::RoundFrequencyWeight(0.49), 0.0);
-    EXPECT_EQ(BSNAlgorithm::RoundFrequencyWeight(0.4), 0.0);
-    EXPECT_EQ(BSNAlgorithm::RoundFrequencyWeight(-3.0), 0.0);
-    EXPECT_EQ(BSNAlgorithm::RoundFrequencyWeight(MCMV::Missing()), 0.0);
-    // Beyond the int range the weight stays exact.
-    EXPECT_EQ(BSNAlgorithm::RoundFrequencyWeight(5e9 + 0.2), 5e9);
+    // Half up; below a half, negative and missing are zero; beyond the int
+    // range the weight stays exact.
+    const std::pair<double, double> cases[] = {{2.4, 2}, {2.5, 3}, {0.5, 1}, {0.49, 0}, {-3, 0},
+                                               {MCMV::Missing(), 0}, {5e9 + 0.2, 5e9}};
+    for (const auto& [w, rounded] : cases) EXPECT_EQ(BSNAlgorithm::RoundFrequencyWeight(w), rounded) << w;
 
+    // One pass: weights 0 are counted in the progress but not used; a null
+    // record (the last) is neither.
+    CountingListener listener;
     BSNSettings s;
+    s.SetProgressListener(&listener);
+    s.SetProgressFrequency(3);
     s.SetFrequencyWeightVar(1);
-    std::vector<std::vector<double>> cols{{1, 2, 3, 4, 5, 6}, {2.4, 2.5, 0.49, -3, MCMV::Missing(), 1}};
-    MCCommon_850::ColumnRecordIter iter(cols);
+    std::vector<std::vector<double>> cols{{1, 2, 3, 4, 5, 6, 7}, {2.4, 2.5, 0.49, -3, MCMV::Missing(), 1, 1}};
+    GappyIter iter(cols, {6});
     ScriptedProcedure p(s, {});
     EXPECT_TRUE(p.BuildModel(iter).IsOK());
     EXPECT_EQ(p.used, 3);
     EXPECT_EQ(p.sumWeights, 2 + 3 + 1);
     EXPECT_EQ(p.sumValues, 1 * 2 + 2 * 3 + 6 * 1);
+    EXPECT_EQ(listener.seen, (std::vector<int>{3, 6, 6}));
 }
 
 TEST(Frame, WarningsCollectedInOrderAndErrorEndsBuild) {
-    BSNSettings s;
     std::vector<std::vector<double>> cols{{1, 2}};
     MCCommon_850::ColumnRecordIter iter(cols);
     MCStatus w1(410041, true), w2(410037, true), err(410019, false), w3(410018, true);
     w2.SetDiscreteDatum(0, 4);
-    ScriptedProcedure p(s, {w1, w2, err, w3});
-    const MCStatus st = p.BuildModel(iter);
-    EXPECT_EQ(st.GetCode(), 410019);
+    ScriptedProcedure p(BSNSettings(), {w1, w2, err, w3});
+    EXPECT_EQ(p.BuildModel(iter).GetCode(), 410019);
     EXPECT_TRUE(p.GetStatus().IsError());
     EXPECT_FALSE(p.IsModelBuilt());
     EXPECT_EQ(p.stagesRun, 3);  // the stage after the error never ran
@@ -125,58 +116,35 @@ TEST(Frame, WarningsCollectedInOrderAndErrorEndsBuild) {
     EXPECT_EQ(p.GetWarningMessages().Get(1).GetCode(), 410037);
     EXPECT_EQ(p.GetWarningMessages().Get(1).GetDiscreteDatum(0), 4);
 
-    MCCommon_850::ColumnRecordIter iter2(cols);
-    ScriptedProcedure ok(s, {w1, w3});
-    EXPECT_TRUE(ok.BuildModel(iter2).IsOK());
+    // Warnings alone leave the status clear and the model built.
+    ScriptedProcedure ok(BSNSettings(), {w1, w3});
+    EXPECT_TRUE(ok.BuildModel(iter).IsOK());
     EXPECT_TRUE(ok.GetStatus().IsOK());
     EXPECT_TRUE(ok.IsModelBuilt());
     EXPECT_EQ(ok.GetWarningMessages().Size(), 2u);
 }
 
 TEST(Frame, ProgressReportsEveryFrequencyAndAtTheEnd) {
-    CountingListener listener;
-    BSNSettings s;
-    s.SetProgressListener(&listener);
-    s.SetProgressFrequency(3);
-    std::vector<std::vector<double>> seven{{1, 2, 3, 4, 5, 6, 7}}, six{{1, 2, 3, 4, 5, 6}};
-    {
-        MCCommon_850::ColumnRecordIter iter(seven);
-        ScriptedProcedure p(s, {});
+    using Rule = BSNAlgorithm::FinalReport;
+    struct Case {
+        int nRecords;
+        Rule rule;
+        std::vector<int> expected;
+    };
+    // The final report always comes under Always, even when the last record
+    // was just reported; under IfPending only when something is new.
+    for (const Case& c : {Case{7, Rule::Always, {3, 6, 7}}, Case{6, Rule::Always, {3, 6, 6}},
+                          Case{6, Rule::IfPending, {3, 6}}, Case{7, Rule::IfPending, {3, 6, 7}}}) {
+        CountingListener listener;
+        BSNSettings s;
+        s.SetProgressListener(&listener);
+        s.SetProgressFrequency(3);
+        std::vector<std::vector<double>> cols{std::vector<double>(c.nRecords, 1.0)};
+        MCCommon_850::ColumnRecordIter iter(cols);
+        ScriptedProcedure p(s, {}, c.rule);
         p.BuildModel(iter);
-        EXPECT_EQ(listener.seen, (std::vector<int>{3, 6, 7}));
+        EXPECT_EQ(listener.seen, c.expected) << c.nRecords;
     }
-    listener.seen.clear();
-    {
-        MCCommon_850::ColumnRecordIter iter(six);
-        ScriptedProcedure p(s, {});
-        p.BuildModel(iter);
-        EXPECT_EQ(listener.seen, (std::vector<int>{3, 6, 6}));  // the final report always comes
-    }
-    listener.seen.clear();
-    {
-        MCCommon_850::ColumnRecordIter iter(six);
-        ScriptedProcedure p(s, {}, BSNAlgorithm::FinalReport::IfPending);
-        p.BuildModel(iter);
-        EXPECT_EQ(listener.seen, (std::vector<int>{3, 6}));  // nothing new since the last report
-    }
-    listener.seen.clear();
-    {
-        // Null records are neither counted nor used; records with weight 0
-        // are counted but not used.
-        s.SetFrequencyWeightVar(1);
-        std::vector<std::vector<double>> cols{{1, 2, 3, 4, 5}, {1, 1, 0, 1, 1}};
-        GappyIter iter(cols, {1, 3});
-        ScriptedProcedure p(s, {});
-        p.BuildModel(iter);
-        EXPECT_EQ(listener.seen, (std::vector<int>{3, 3}));
-        EXPECT_EQ(p.used, 2);
-        EXPECT_EQ(p.sumValues, 1 + 5);
-    }
-    // Without a listener nothing is reported (and nothing fails).
-    BSNSettings quiet;
-    MCCommon_850::ColumnRecordIter iter(seven);
-    ScriptedProcedure p(quiet, {});
-    EXPECT_TRUE(p.BuildModel(iter).IsOK());
 }
 
 TEST(Frame, CancellationInsideAPassGivesCodeOne) {
@@ -196,26 +164,20 @@ TEST(Frame, CancellationInsideAPassGivesCodeOne) {
     // Set later through SetCancelPtr, from "another thread" (an atomic flag).
     MCCommon_850::MCAtomicCancel flag;
     flag.Cancel();
-    MCCommon_850::ColumnRecordIter iter2(cols);
     ScriptedProcedure q(BSNSettings(), {});
     q.SetCancelPtr(&flag);
-    EXPECT_EQ(q.BuildModel(iter2).GetCode(), 1);
+    EXPECT_EQ(q.BuildModel(iter).GetCode(), 1);
     EXPECT_EQ(q.used, 0);
 }
 
 TEST(Frame, ReportersKnowTheirMeasures) {
-    BSNReporter r(0);
-    EXPECT_EQ(r.DiscreteMeasure("records"), 0);
-    EXPECT_EQ(r.DiscreteMeasure("pairs"), -1);
-    EXPECT_TRUE(MCMV::IsMissing(r.ScaleMeasure("records")));
-    r.SetNRecords(12);
-    EXPECT_EQ(r.DiscreteMeasure("records"), 12);
-
+    // The plain reporter's "records" is the progress test's.
+    EXPECT_EQ(BSNReporter(12).DiscreteMeasure("pairs"), -1);
     BSNCorrReporter c(5);
     EXPECT_EQ(c.DiscreteMeasure("pairs"), -1);
-    EXPECT_EQ(c.DiscreteMeasure("records"), 5);
     c.SetNPairs(3);
     EXPECT_EQ(c.DiscreteMeasure("pairs"), 3);
+    EXPECT_EQ(c.DiscreteMeasure("records"), 5);
     EXPECT_EQ(c.DiscreteMeasure("cells"), -1);
 }
 

@@ -1,8 +1,8 @@
 #pragma once
 // Helpers shared by the one-sample binomial and Poisson tests: a listener
 // that records progress counts, a cancel query that trips after a number of
-// polls, independent numerical tools (Simpson's rule, bisection) and a
-// runner that builds a component over in-memory columns.
+// polls, Simpson's rule as an independent integrator, and a runner that
+// builds a component over in-memory columns.
 #include <cmath>
 #include <functional>
 #include <memory>
@@ -78,15 +78,6 @@ inline double simpson(const std::function<double(double)>& f, double lo, double 
     double sum = f(lo) + f(hi);
     for (int k = 1; k < n; ++k) sum += f(lo + k * h) * (k % 2 == 1 ? 4.0 : 2.0);
     return sum * h / 3.0;
-}
-
-// The root of an increasing function on [lo, hi].
-inline double bisect(const std::function<double(double)>& f, double lo, double hi) {
-    for (int k = 0; k < 200; ++k) {
-        const double mid = 0.5 * (lo + hi);
-        (f(mid) < 0.0 ? lo : hi) = mid;
-    }
-    return 0.5 * (lo + hi);
 }
 
 inline bool isMissing(double v) { return MCCommon_850::MCMV::IsMissing(v); }

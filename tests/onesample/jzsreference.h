@@ -61,10 +61,10 @@ struct Row {
     double N, t, bf01;
 };
 
-// Rows of the shared reference table; empty when it cannot be read.
+// Rows of a reference table under tests/data; empty when it cannot be read.
 inline std::vector<Row> readReference(const std::string& file) {
     std::vector<Row> rows;
-    std::ifstream in(std::string(BSN_REFERENCE_DIR) + "/" + file);
+    std::ifstream in(std::string(BSN_SOURCE_DIR) + "/tests/data/" + file);
     std::string line;
     if (!std::getline(in, line)) return rows;
     while (std::getline(in, line)) {

@@ -11,79 +11,57 @@ using MCCommon_850::MCMV;
 using MCMath_850::MCContStats;
 using MCMath_850::MCMeansXProdData;
 
-namespace {
-
-// Two-pass mean and (n-1)-divisor variance of data expanded by whole weights.
-void twoPass(const std::vector<double>& x, const std::vector<int>& w, double& mean, double& var) {
-    double n = 0.0, s = 0.0;
-    for (std::size_t i = 0; i < x.size(); ++i)
-        for (int k = 0; k < w[i]; ++k) {
-            s += x[i];
-            n += 1.0;
-        }
-    mean = s / n;
-    double ss = 0.0;
-    for (std::size_t i = 0; i < x.size(); ++i)
-        for (int k = 0; k < w[i]; ++k) ss += (x[i] - mean) * (x[i] - mean);
-    var = ss / (n - 1.0);
-}
-
-} // namespace
-
-TEST(MCContStats, WeightedMomentsMatchExpandedData) {
+TEST(MCContStats, WeightedMomentsEdgeCasesAndIgnoredInput) {
+    // Two-pass moments of the data expanded by whole weights.
     const std::vector<double> x = {3.5, -1.25, 7.0, 2.0, 0.5, 11.0};
     const std::vector<int> w = {1, 3, 2, 5, 1, 4};
     MCContStats s;
-    for (std::size_t i = 0; i < x.size(); ++i) s.Update(x[i], w[i]);
-    double mean = 0.0, var = 0.0;
-    twoPass(x, w, mean, var);
-    EXPECT_DOUBLE_EQ(s.GetSumWeights(), 16.0);
-    EXPECT_NEAR(s.GetMean(), mean, 1e-13);
-    EXPECT_NEAR(s.GetVariance(), var, 1e-12);
+    EXPECT_TRUE(MCMV::IsMissing(s.GetMean()));
+    EXPECT_TRUE(MCMV::IsMissing(s.GetMinimum()));
+    double n = 0.0, sum = 0.0, ss = 0.0;
+    for (std::size_t i = 0; i < x.size(); ++i) {
+        s.Update(x[i], w[i]);
+        n += w[i];
+        sum += w[i] * x[i];
+    }
+    for (std::size_t i = 0; i < x.size(); ++i) ss += w[i] * (x[i] - sum / n) * (x[i] - sum / n);
+    // Missing values and weights, non-positive weights and NaN change nothing.
+    for (const auto& [v, wt] : {std::pair{MCMV::Missing(), 2.0}, std::pair{100.0, 0.0}, std::pair{100.0, -1.0},
+                                std::pair{100.0, MCMV::Missing()}, std::pair{std::nan(""), 1.0}})
+        s.Update(v, wt);
+    EXPECT_EQ(s.GetSumWeights(), 16.0);
+    EXPECT_NEAR(s.GetMean(), sum / n, 1e-13);
+    EXPECT_NEAR(s.GetVariance(), ss / (n - 1), 1e-12);
     EXPECT_EQ(s.GetMinimum(), -1.25);
     EXPECT_EQ(s.GetMaximum(), 11.0);
-
-    // Missing values, missing weights and non-positive weights change nothing.
-    s.Update(MCMV::Missing(), 2.0);
-    s.Update(100.0, 0.0);
-    s.Update(100.0, -1.0);
-    s.Update(100.0, MCMV::Missing());
-    s.Update(std::nan(""), 1.0);
-    EXPECT_DOUBLE_EQ(s.GetSumWeights(), 16.0);
-    EXPECT_NEAR(s.GetMean(), mean, 1e-13);
-    EXPECT_EQ(s.GetMaximum(), 11.0);
-}
-
-TEST(MCContStats, EmptySingleAndConstant) {
-    MCContStats s;
-    EXPECT_EQ(s.GetSumWeights(), 0.0);
-    EXPECT_TRUE(MCMV::IsMissing(s.GetMean()));
-    EXPECT_TRUE(MCMV::IsMissing(s.GetVariance()));
-    EXPECT_TRUE(MCMV::IsMissing(s.GetMinimum()));
-    EXPECT_TRUE(MCMV::IsMissing(s.GetMaximum()));
-    s.Update(4.0, 1.0);
-    EXPECT_EQ(s.GetMean(), 4.0);
-    EXPECT_TRUE(MCMV::IsMissing(s.GetVariance()));  // sum of weights 1: no variance
-    s.Update(4.0, 3.0);
-    EXPECT_EQ(s.GetMean(), 4.0);
-    EXPECT_EQ(s.GetVariance(), 0.0);
-}
-
-TEST(MCContStats, StableForLargeMeansAndHugeWeights) {
-    // A naive sum-of-squares formula loses every digit here.
-    MCContStats s;
-    for (double v : {1e9 + 1.0, 1e9 + 2.0, 1e9 + 3.0}) s.Update(v, 1.0);
-    EXPECT_DOUBLE_EQ(s.GetMean(), 1e9 + 2.0);
-    EXPECT_NEAR(s.GetVariance(), 1.0, 1e-9);
-
-    // Frequency weights of a billion: N = 2e9, values 0 and 1 in equal parts:
-    // mean 1/2, variance N/(4(N-1)).
+    // One case has no variance; a constant has 0.
+    MCContStats c;
+    c.Update(4.0, 1.0);
+    EXPECT_TRUE(MCMV::IsMissing(c.GetVariance()));
+    c.Update(4.0, 3.0);
+    EXPECT_EQ(c.GetMean(), 4.0);
+    EXPECT_EQ(c.GetVariance(), 0.0);
+    // Weights of a billion: N = 2e9, values 0 and 1 in equal parts.
     MCContStats big;
     big.Update(0.0, 1e9);
     big.Update(1.0, 1e9);
-    EXPECT_DOUBLE_EQ(big.GetSumWeights(), 2e9);
-    EXPECT_DOUBLE_EQ(big.GetMean(), 0.5);
+    EXPECT_EQ(big.GetMean(), 0.5);
     EXPECT_NEAR(big.GetVariance(), 2e9 / (4.0 * (2e9 - 1.0)), 1e-15);
+}
+
+// Data far from zero: 1e9 + k/8 (exact doubles) in an order that makes a
+// running mean at 1e9 round on every case. The mean's distance from a value
+// near it and the variance come out exact.
+TEST(MCContStats, DataFarFromZeroKeepAllDigits) {
+    MCContStats s;
+    const double k[] = {3, -5, 1, 7, -2, 0, 6, -4};  // mean 0.75, sum of squared deviations 135.5
+    for (double v : k) s.Update(1e9 + v / 8, 1.0);
+    EXPECT_NEAR(s.GetMeanMinus(1e9), 0.75 / 8, 1e-16);
+    EXPECT_NEAR(s.GetMeanMinus(1e9 + 0.25), 0.75 / 8 - 0.25, 1e-16);
+    EXPECT_NEAR(s.GetVariance(), 135.5 / 64 / 7, 1e-15);
+    EXPECT_EQ(s.GetMean(), 1e9 + 0.75 / 8);
+    EXPECT_TRUE(MCMV::IsMissing(s.GetMeanMinus(MCMV::Missing())));
+    EXPECT_TRUE(MCMV::IsMissing(MCContStats().GetMeanMinus(0.0)));
 }
 
 TEST(MCMeansXProdData, CrossProductsMatchTwoPass) {
@@ -94,7 +72,6 @@ TEST(MCMeansXProdData, CrossProductsMatchTwoPass) {
     for (std::size_t i = 0; i < rows.size(); ++i) acc.AddCase(rows[i].data(), w[i]);
     acc.AddCase(rows[0].data(), 0.0);   // ignored
     acc.AddCase(rows[0].data(), -2.0);  // ignored
-
     double W = 0.0;
     std::vector<double> m(3, 0.0);
     for (std::size_t i = 0; i < rows.size(); ++i) {
@@ -102,8 +79,7 @@ TEST(MCMeansXProdData, CrossProductsMatchTwoPass) {
         for (int j = 0; j < 3; ++j) m[j] += w[i] * rows[i][j];
     }
     for (double& v : m) v /= W;
-    EXPECT_DOUBLE_EQ(acc.GetNCases(), W);
-    ASSERT_EQ(acc.GetMeans().size(), 3u);
+    EXPECT_EQ(acc.GetNCases(), W);
     for (int j = 0; j < 3; ++j) {
         EXPECT_NEAR(acc.GetMeans()[j], m[j], 1e-13);
         for (int k = 0; k < 3; ++k) {
@@ -113,6 +89,23 @@ TEST(MCMeansXProdData, CrossProductsMatchTwoPass) {
             EXPECT_EQ(acc.GetXProds()[j * 3 + k], acc.GetXProd(j, k));
         }
     }
+    EXPECT_NEAR(acc.GetMeanDifference(0, 2, 0.5), m[0] - m[2] - 0.5, 1e-13);
     EXPECT_TRUE(MCMV::IsMissing(acc.GetXProd(3, 0)));
-    EXPECT_TRUE(MCMV::IsMissing(acc.GetXProd(0, -1)));
+    EXPECT_TRUE(MCMV::IsMissing(acc.GetMeanDifference(0, -1)));
+}
+
+TEST(MCMeansXProdData, PairsFarFromZeroAndFarApart) {
+    // First member 1e9 + k/8, second member k/8 - 2^-30 (the same deviations):
+    // the differences are all 1e9 + 2^-30, which is not a double.
+    const double k[] = {3, -5, 1, 7, -2, 0, 6, -4};
+    const double tiny = std::ldexp(1.0, -30);
+    MCMeansXProdData acc(2);
+    for (double v : k) {
+        const double pair[2] = {1e9 + v / 8, v / 8 - tiny};
+        acc.AddCase(pair, 1.0);
+    }
+    EXPECT_EQ(acc.GetMeanDifference(0, 1, 1e9), tiny);
+    EXPECT_EQ(acc.GetMeanDifference(0, 1), 1e9);
+    EXPECT_NEAR(acc.GetXProd(0, 0), 135.5 / 64, 1e-15);
+    EXPECT_NEAR(acc.GetXProd(0, 1), 135.5 / 64, 1e-15);
 }

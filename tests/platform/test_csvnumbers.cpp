@@ -50,12 +50,15 @@ TEST(CsvNumbers, FastPathIsBitIdenticalToGeneralConversion) {
         ASSERT_TRUE(CsvParseNumber(text, parsed)) << text;
         EXPECT_TRUE(sameBits(parsed, reference(text))) << text;
     }
-    // Not numbers: the fast path must not accept what the general one rejects.
-    for (const char* text : {"-", "1.2.3", "1-2", "--1", "1e", "abc", "0x10", "+-1"}) {
-        double parsed = 0.0;
-        EXPECT_FALSE(CsvParseNumber(text, parsed)) << text;
-    }
+    // Not numbers (the fast path must not accept what the general one
+    // rejects), and no NaN or infinity either.
     double parsed = 0.0;
-    ASSERT_TRUE(CsvParseNumber("1e3", parsed));
-    EXPECT_EQ(parsed, 1000.0);
+    for (const char* text : {"-", "+", "1.2.3", "1-2", "--1", "+-1", "1e", "1,5", "abc", "0x10", "nan", "inf", "-inf",
+                             "1e999"})
+        EXPECT_FALSE(CsvParseNumber(text, parsed)) << text;
+    // Exponents and surrounding white space take the general path; NA is missing.
+    ASSERT_TRUE(CsvParseNumber("\t-0.125e1 ", parsed));
+    EXPECT_EQ(parsed, -1.25);
+    ASSERT_TRUE(CsvParseNumber("NA", parsed));
+    EXPECT_TRUE(MCCommon_850::MCMV::IsMissing(parsed));
 }

@@ -1,0 +1,147 @@
+// Counting records into the table, the margins and expected counts, and
+// the build's handling of tables with one category, no weight and bad
+// records.
+#include <gtest/gtest.h>
+
+#include "bsn/loglinear/bsncontingency.h"
+#include "platform/progress/progress.h"
+#include "tests/loglinear/loglinear_test_support.h"
+
+namespace {
+
+using MCBSN_850::BSNContingency;
+using MCBSN_850::BSNSettings;
+using namespace loglinear_test;
+
+class Reports : public MCCommon_850::ProgressListener {
+public:
+    void Notify(const MCCommon_850::ProgressReport& r) override { counts.push_back(r.DiscreteMeasure("records")); }
+    std::vector<int> counts;
+};
+
+class CancelAfter : public MCCommon_850::MCQueryCancel {
+public:
+    explicit CancelAfter(int polls) : m_left(polls) {}
+    bool IsCancel() const override { return --m_left < 0; }
+
+private:
+    mutable int m_left;
+};
+
+TEST(Contingency, CountsWeightsAsTheyStandAndLeavesOutBadRecords) {
+    // row, column, weight
+    const std::vector<std::vector<double>> cols = {
+        {0, 0, 1.7, 1, 2, kMiss, 0, 1, -1, 3, 2, 0},
+        {0, 1, 0, 2.9, 2, 1, kMiss, 1, 0, 0, 1, 2},
+        {0.5, 2.25, 3, 1, 4, 1, 1, kMiss, 1, 1, -2, 0}};
+    MCCommon_850::ColumnRecordIter iter(cols);
+    BSNContingency t({0, 1}, {3, 3}, 2, MCMath_850::MCCancelInfo());
+    const auto status = t.BuildModel(iter, nullptr, 50);
+    EXPECT_TRUE(status.IsOK());
+    // Codes truncate (1.7 -> 1, 2.9 -> 2); weights stay fractional; the
+    // zero weight is a record of weight 0, not a dropped one.
+    const Matrix expect = {{0.5, 2.25, 0}, {3, 0, 1}, {0, 0, 4}};
+    EXPECT_EQ(t.GetAllCounts(), expect);
+    EXPECT_EQ(t.GetTotalWeight(), 10.75);
+    EXPECT_EQ(t.GetRowTotals(), (std::vector<double>{2.75, 4, 4}));
+    EXPECT_EQ(t.GetColTotals(), (std::vector<double>{3.5, 2.25, 5}));
+    EXPECT_EQ(t.GetNRecords(), 12);
+    EXPECT_EQ(t.GetNMissingRecords(), 3);  // missing row, column, weight
+    EXPECT_EQ(t.GetNInvalidRecords(), 3);  // row -1, row 3, weight -2
+
+    // Through the component: the invalid records are one warning with their count.
+    BSNSettings s = Settings(3, 3);
+    Build b(s, Columns{cols});
+    EXPECT_TRUE(b.component.IsModelBuilt());
+    ASSERT_EQ(b.WarningCodes(), std::vector<int>{420040});
+    EXPECT_EQ(b.component.GetWarningMessages().Get(0).GetDiscreteDatum(0), 3);
+    EXPECT_EQ(b.Result()->GetContingencyMatrix().GetAllCounts(), expect);
+}
+
+TEST(Contingency, ExpectedCountsAndNonEmptyCategories) {
+    const BSNContingency t(Matrix{{4, 0, 6, 0}, {0, 0, 0, 0}, {2, 0, 18, 0}});
+    EXPECT_TRUE(t.GetStatus().IsOK());
+    EXPECT_EQ(t.GetNonEmptyRows(), (std::vector<int>{0, 2}));
+    EXPECT_EQ(t.GetNonEmptyCols(), (std::vector<int>{0, 2}));
+    const Matrix e = t.GetExpectedCounts();
+    EXPECT_DOUBLE_EQ(e[0][0], 10.0 * 6 / 30);
+    EXPECT_DOUBLE_EQ(e[2][2], 20.0 * 24 / 30);
+    EXPECT_EQ(e[1], (std::vector<double>{0, 0, 0, 0}));
+    // Cells 0 < E < 5 of non-empty rows: E[0][0] = 2 and E[2][0] = 4; the
+    // empty columns' zero expected counts pull the minimum to 0.
+    EXPECT_EQ(t.GetNCellsExpLess5(), 2);
+    EXPECT_EQ(t.GetMinExpectedCount(), 0.0);
+    EXPECT_DOUBLE_EQ(t.GetPctCellsExpLess5(), 100.0 * 2 / 4);
+}
+
+TEST(Contingency, OneCategoryKeepsTheTableWithoutTests) {
+    struct Case {
+        Matrix table;
+        int warning;
+    };
+    for (const Case& c : {Case{{{3, 4}, {0, 0}}, 410051}, Case{{{3, 0}, {5, 0}}, 410052},
+                          Case{{{3, 0}, {0, 0}}, 410051}}) {
+        Build b(Settings(2, 2), c.table);
+        EXPECT_TRUE(b.status.IsOK());
+        EXPECT_TRUE(b.component.IsModelBuilt());
+        EXPECT_EQ(b.WarningCodes(), std::vector<int>{c.warning});
+        ASSERT_NE(b.Result(), nullptr);
+        EXPECT_EQ(b.Result()->GetContingencyMatrix().GetAllCounts(), c.table);
+        EXPECT_EQ(b.Result()->GetChiSquareResult().GetWald(), kMiss);
+        EXPECT_EQ(b.Result()->GetFisher2SidedSig(), kMiss);
+        EXPECT_EQ(b.Result()->GetBayesFactor(), kMiss);
+        EXPECT_TRUE(b.Result()->GetPosteriorEstimations().empty());
+    }
+}
+
+TEST(Contingency, NoWeightIsNoValidCase) {
+    Build zero(Settings(2, 2), Matrix{{0, 0}, {0, 0}});
+    EXPECT_EQ(zero.status.GetCode(), 410003);
+    EXPECT_TRUE(zero.status.IsError());
+    EXPECT_EQ(zero.Result(), nullptr);
+    Build none(Settings(2, 2), Columns{{{}, {}, {}}});
+    EXPECT_EQ(none.status.GetCode(), 410003);
+    EXPECT_FALSE(none.component.IsModelBuilt());
+}
+
+TEST(Contingency, ReportsProgressAndStopsOnCancel) {
+    for (const auto& [records, expected] : std::vector<std::pair<int, std::vector<int>>>{
+             {7, {3, 6, 7}}, {6, {3, 6}}, {2, {2}}}) {
+        std::vector<std::vector<double>> cols(3);
+        for (int k = 0; k < records; ++k) {
+            cols[0].push_back(k % 2);
+            cols[1].push_back((k / 2) % 2);
+            cols[2].push_back(1);
+        }
+        Reports reports;
+        BSNSettings s = Settings(2, 2);
+        s.SetProgressFrequency(3);
+        s.SetProgressListener(&reports);
+        Build b(s, Columns{cols});
+        EXPECT_EQ(reports.counts, expected) << records;
+    }
+    // A cancellation seen while counting ends the build with status 1.
+    const Matrix table{{5, 3}, {2, 8}};
+    CancelAfter cancel(2);
+    BSNSettings s = Settings(2, 2);
+    s.SetCancelPointer(&cancel);
+    Build b(s, table);
+    EXPECT_EQ(b.status.GetCode(), 1);
+    EXPECT_TRUE(b.status.IsError());
+    EXPECT_EQ(b.Result(), nullptr);
+}
+
+TEST(Contingency, InformationAndPearsonAtLargeTotals) {
+    // Σ O ln(O N/(r c)) and Σ (O - E)²/E of tables of totals 1e9 and 1e12,
+    // against 60-digit values: the exact cross differences keep each cell's
+    // term accurate to itself.
+    const auto rows = ReadReference("tests_large.csv");
+    ASSERT_GE(rows.size(), 4u);
+    for (const Row& row : rows) {
+        const BSNContingency t(row.Table());
+        EXPECT_TRUE(Near(2 * t.ComputeInformation(), row.Num("g2"), 1e-12)) << row.Text("table");
+        EXPECT_TRUE(Near(t.ComputePearson(), row.Num("x2"), 1e-12)) << row.Text("table");
+    }
+}
+
+} // namespace
