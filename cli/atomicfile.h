@@ -10,8 +10,8 @@ namespace bsncli {
 
 class AtomicOutputFile {
 public:
-    // Opens the temporary file; throws InputError naming `what` (the option)
-    // and the path when it cannot be created.
+    // Opens the temporary file; throws InputError "<what>: cannot write
+    // '<path>': <reason>" when it cannot be created.
     AtomicOutputFile(std::string path, std::string what);
     ~AtomicOutputFile();
     AtomicOutputFile(const AtomicOutputFile&) = delete;
@@ -23,6 +23,9 @@ public:
     void Commit();
 
 private:
+    // Removes the temporary file and throws the InputError.
+    [[noreturn]] void fail(const std::string& reason);
+
     std::string m_path;
     std::string m_what;
     std::string m_temp;

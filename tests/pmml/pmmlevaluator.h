@@ -35,9 +35,6 @@ public:
         if (const auto* list = model->FirstChildElement("FactorList"))
             for (const auto* p = list->FirstChildElement("Predictor"); p; p = p->NextSiblingElement("Predictor"))
                 factors.insert(p->Attribute("name"));
-        if (const auto* list = model->FirstChildElement("CovariateList"))
-            for (const auto* p = list->FirstChildElement("Predictor"); p; p = p->NextSiblingElement("Predictor"))
-                covariates.insert(p->Attribute("name"));
         for (const auto* c = need(model, "PPMatrix")->FirstChildElement("PPCell"); c;
              c = c->NextSiblingElement("PPCell"))
             cells.push_back({c->Attribute("predictorName"), c->Attribute("value"), c->Attribute("parameterName")});
@@ -77,7 +74,7 @@ public:
     };
     const tinyxml2::XMLElement* model = nullptr;
     std::vector<std::string> parameters;
-    std::set<std::string> factors, covariates;
+    std::set<std::string> factors;
     std::vector<Cell> cells;
     std::map<std::string, double> beta;
     std::map<std::string, int> df;

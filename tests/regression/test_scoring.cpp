@@ -30,19 +30,29 @@ void expectScoresMatchR(const BSNMultiRegOutputStats& r, const std::string& mode
 
 } // namespace
 
-TEST(Scoring, AgreesWithLmFitsAndPredictionIntervals) {
+TEST(Scoring, AgreesWithLmAndRecordsThatDoNotExpandLeaveEveryScoreMissing) {
     // Under the reference prior the predictive limits are lm's prediction
     // limits; A expands rows densely, B and the ANOVA C sparsely.
-    const struct {
-        char model;
-        bool sparse;
-    } cases[] = {{'A', false}, {'B', true}, {'C', true}};
-    for (const auto& c : cases) {
-        const std::string model(1, c.model);
-        RegrRun run(modelSettings(c.model), readColumns("regr_small.csv"), varList(kNColumns, {kG, kH}));
+    for (const char model : {'A', 'B', 'C'}) {
+        RegrRun run(modelSettings(model), readColumns("regr_small.csv"), varList(kNColumns, {kG, kH}));
         ASSERT_TRUE(run.status.IsOK()) << model << " " << run.status.GetCode();
-        EXPECT_EQ(run.result().IsSparse(), c.sparse) << model;
-        expectScoresMatchR(run.result(), model);
+        EXPECT_EQ(run.result().IsSparse(), model != 'A') << model;
+        expectScoresMatchR(run.result(), std::string(1, model));
+
+        // The dependent and the weights play no part; a missing predictor or
+        // a factor value that is not a category spoils the record.
+        const int factor = model == 'B' ? kH : kG;
+        const std::vector<double> good = {kMiss, 1.5, 9, 1, 2, kMiss, kMiss};
+        EXPECT_FALSE(MCMV::IsMissing(score(run.result(), good).GetMean())) << model;
+        std::vector<std::pair<int, double>> spoilers = {{factor, kMiss}, {factor, model == 'B' ? 4 : 3}, {factor, -1}};
+        if (model != 'C') spoilers.push_back({kX1, kMiss});
+        for (const auto& [column, value] : spoilers) {
+            auto v = good;
+            v[static_cast<std::size_t>(column)] = value;
+            const auto e = score(run.result(), v);
+            for (double x : {e.GetMode(), e.GetMean(), e.GetVariance(), e.GetLower(), e.GetUpper()})
+                EXPECT_TRUE(MCMV::IsMissing(x)) << model << " column " << column << " = " << value;
+        }
     }
 }
 
@@ -138,40 +148,4 @@ TEST(Scoring, PosteriorPartsFollowThePosteriorAndTheSetting) {
     EXPECT_TRUE(MCMV::IsMissing(e.GetVariance()));
     EXPECT_TRUE(MCMV::IsMissing(e.GetLower()));
     EXPECT_TRUE(MCMV::IsMissing(e.GetUpper()));
-}
-
-TEST(Scoring, RecordsThatDoNotExpandLeaveEveryScoreMissing) {
-    for (const char model : {'A', 'B', 'C'}) {
-        RegrRun run(modelSettings(model), readColumns("regr_small.csv"), varList(kNColumns, {kG, kH}));
-        ASSERT_TRUE(run.status.IsOK());
-        const int factor = model == 'B' ? kH : kG;
-        // The complete record scores; each spoilt copy does not.
-        std::vector<double> good = {0, 1.5, 9, 1, 2, 1, 1};
-        EXPECT_FALSE(MCMV::IsMissing(score(run.result(), good).GetMean())) << model;
-        std::vector<std::vector<double>> spoilt;
-        auto v = good;
-        v[static_cast<std::size_t>(factor)] = kMiss;
-        spoilt.push_back(v);
-        v = good;
-        v[static_cast<std::size_t>(factor)] = model == 'B' ? 4 : 3;  // one past the last category
-        spoilt.push_back(v);
-        v = good;
-        v[static_cast<std::size_t>(factor)] = -1;
-        spoilt.push_back(v);
-        if (model != 'C') {
-            v = good;
-            v[kX1] = kMiss;
-            spoilt.push_back(v);
-        }
-        // The dependent and the weights play no part.
-        v = good;
-        v[kY] = kMiss;
-        v[kFreq] = kMiss;
-        EXPECT_FALSE(MCMV::IsMissing(score(run.result(), v).GetMean())) << model;
-        for (std::size_t i = 0; i < spoilt.size(); ++i) {
-            const auto e = score(run.result(), spoilt[i]);
-            for (double x : {e.GetMode(), e.GetMean(), e.GetVariance(), e.GetLower(), e.GetUpper()})
-                EXPECT_TRUE(MCMV::IsMissing(x)) << model << " spoilt record " << i;
-        }
-    }
 }
