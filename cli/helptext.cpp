@@ -71,6 +71,32 @@ const char* const kRegressionRules = R"(REGRESSION AND ANOVA (model types 4 and 
     and the prediction are always plotted.
 )";
 
+const char* const kScoringRules = R"(PMML AND SCORING (model types 4 and 5)
+  --pmml PATH writes the fitted model as a PMML 4.4 document: a
+  GeneralRegressionModel (generalLinear) with one parameter per design
+  parameter (a redundant one with beta 0), the factors' categories by their
+  data values, and as beta the posterior mean (the least-squares estimate
+  when no posterior was built). --pmml-covariance adds the posterior
+  covariance of the coefficients (PCovMatrix).
+  --score NEW scores every record of the CSV file NEW, which must have a
+  column for each factor and covariate of the model, named as in DATA
+  (other columns are copied through). The output (--scores PATH, or stdout
+  by default, which then carries no tables) repeats NEW's columns and adds
+  predicted_mode, predicted_mean (both x'b), predicted_variance,
+  predicted_lower and predicted_upper (the posterior predictive of a new
+  response; only with a posterior and "ComputeVarianceInScoring": true). A
+  record with a missing predictor value gets empty scores; a factor value
+  that DATA does not have, or a covariate value that is not a number, is an
+  error naming the line.
+  Files are written whole or not at all. Statuses of the PMML export:
+  102 a factor or covariate of the model is not in the variable list;
+  303 the document could not be written.
+
+    bsn run examples/regression.json examples/regression.csv --pmml model.pmml
+    bsn run examples/regression.json examples/regression.csv \
+        --score examples/regression_new.csv --scores scores.csv
+)";
+
 const char* const kSettingsRules = R"(SETTINGS FILE
   A JSON object. Its keys are the getter names of the settings record without
   their Get/Is prefix; every key may be left out (the record's default holds).
@@ -234,9 +260,9 @@ const char* const kExitCodes = R"(EXIT CODES
 } // namespace
 
 std::string RunHelpFooter() {
-    return fmt::format("\n{}\n{}{}\nANALYSES IN THIS BUILD (model type)\n  {}\n\n{}\n{}\n{}\n{}", kExample,
-                       kSettingsRules, SettingsKeysHelp(), AvailableAnalyses(), kRegressionRules, kDataRules, kOutput,
-                       kExitCodes);
+    return fmt::format("\n{}\n{}{}\nANALYSES IN THIS BUILD (model type)\n  {}\n\n{}\n{}\n{}\n{}\n{}", kExample,
+                       kSettingsRules, SettingsKeysHelp(), AvailableAnalyses(), kRegressionRules, kScoringRules,
+                       kDataRules, kOutput, kExitCodes);
 }
 
 std::string MainHelpFooter() {

@@ -22,6 +22,7 @@
 #include "cli/htmlreport.h"
 #include "cli/outputfile.h"
 #include "cli/resultview.h"
+#include "cli/scoring.h"
 #include "cli/settingsjson.h"
 #include "cli/svgplot.h"
 #include "platform/common/mcmessages.h"
@@ -257,6 +258,7 @@ struct Outcome {
     bool built = false;
     bool haveResults = false;
     ResultView view;
+    ModelOutputReport modelOutputs;
 };
 
 // The test variable a build warning's datum 0 points at: its position in
@@ -392,7 +394,7 @@ Inputs loadInputs(const RunOptions& options, std::ostream& err) {
 
 // Builds the model on checked settings, with cancellation by Ctrl-C (unless
 // the caller brings its own cancel query) and progress on a terminal.
-void buildModel(const RunOptions& options, Inputs& in, std::ostream& err, Outcome& outcome) {
+void buildModel(const RunOptions& options, Inputs& in, std::ostream& out, std::ostream& err, Outcome& outcome) {
     // Worker threads: --threads (default every core), unless the settings
     // file says MaxThreadNum itself.
     if (!in.maxThreadsGiven) {
@@ -429,6 +431,7 @@ void buildModel(const RunOptions& options, Inputs& in, std::ostream& err, Outcom
         if (!outcome.haveResults)
             err << fmt::format("bsn: note: no report for result kind {} ({})\n",
                                static_cast<int>(result->GetOutputType()), EnumWord(result->GetOutputType()));
+        if (WantsModelOutputs(options)) outcome.modelOutputs = WriteModelOutputs(options, *result, in.data, out);
     }
 }
 
@@ -450,14 +453,15 @@ void writeReport(const RunOptions& options, const Inputs& in, const Outcome& out
 
 int runChecked(const RunOptions& options, std::ostream& out, std::ostream& err) {
     Inputs in = loadInputs(options, err);
+    CheckModelOutputOptions(options, in.settings);
     Outcome outcome;
     outcome.status = in.settings.IsValidSettings();
     const bool refused = outcome.status.IsError();
     outcome.warnings = in.settings.GetWarningMessages().GetAll();
     const std::size_t nValidationWarnings = outcome.warnings.size();
-    if (!refused) buildModel(options, in, err, outcome);
+    if (!refused) buildModel(options, in, out, err, outcome);
 
-    const bool jsonOnOut = options.jsonPath == "-";
+    const bool jsonOnOut = options.jsonPath == "-" || ScoresToStdout(options);
     std::ostream& report = jsonOnOut ? err : out;
     if (!options.quiet && !jsonOnOut && !refused) {
         out << fmt::format("bsn: {} analysis of {} ({} records)\n\n", analysisName(in.settings), options.dataPath,
@@ -467,6 +471,9 @@ int runChecked(const RunOptions& options, std::ostream& out, std::ostream& err) 
     const std::vector<std::string> warnings = warningLines(outcome, nValidationWarnings, in.settings, in.data);
     printStatusAndWarnings(report, outcome, warnings);
     if (!options.jsonPath.empty()) writeJson(options, outcome, in.data, out);
+    if (!refused)
+        if (const int code = ReportModelOutputs(options, outcome.modelOutputs, outcome.built, report, err); code != 0)
+            return code;
     if (!options.plotsDir.empty() && outcome.haveResults) {
         const auto written = WritePlots(outcome.view.plots, options.plotsDir, outcome.view.figures);
         if (!options.quiet) report << fmt::format("Plots: {} file(s) in {}\n", written.size(), options.plotsDir);
@@ -519,6 +526,17 @@ int Main(int argc, const char* const* argv, std::ostream& out, std::ostream& err
                                                   "every core); MaxThreadNum in SETTINGS takes precedence")
         ->type_name("N")
         ->check(CLI::PositiveNumber);
+    run->add_option("--pmml", options.pmmlPath, "Regression and ANOVA: write the fitted model as a PMML 4.4 document "
+                                                "to PATH")
+        ->type_name("PATH");
+    run->add_flag("--pmml-covariance", options.pmmlCovariance, "With --pmml: add the posterior covariance of the "
+                                                               "coefficients (PCovMatrix)");
+    run->add_option("--score", options.scorePath, "Regression and ANOVA: score every record of NEW (a CSV file with "
+                                                  "the predictors' columns)")
+        ->type_name("NEW");
+    run->add_option("--scores", options.scoresPath, "Where the scores of --score go (default '-': stdout, then no "
+                                                    "tables)")
+        ->type_name("PATH");
     run->footer(RunHelpFooter());
     try {
         app.parse(argc, argv);

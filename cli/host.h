@@ -27,6 +27,13 @@ struct RunOptions {
     bool quiet = false;     // no tables
     bool progress = false;  // progress line on the error stream
     int threads = 0;        // worker threads (correlation); 0: every core
+    // Regression and ANOVA models: the PMML document (with the posterior
+    // covariance when asked), and the records of scorePath scored to
+    // scoresPath (empty or "-": stdout, then no tables). See cli/scoring.h.
+    std::string pmmlPath;
+    bool pmmlCovariance = false;
+    std::string scorePath;
+    std::string scoresPath;
     // The cancel query handed to the analysis; null makes the host use its
     // own, set by Ctrl-C.
     MCCommon_850::MCQueryCancel* cancel = nullptr;

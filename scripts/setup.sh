@@ -3,7 +3,7 @@
 # asks apt for what is missing.
 set -euo pipefail
 
-packages=(cmake ninja-build g++ libboost-dev nlohmann-json3-dev libcli11-dev libfmt-dev libgtest-dev libbenchmark-dev libeigen3-dev libtinyxml2-dev)
+packages=(cmake ninja-build g++ libboost-dev nlohmann-json3-dev libcli11-dev libfmt-dev libgtest-dev libbenchmark-dev libeigen3-dev libtinyxml2-dev libxml2-dev)
 # The install check builds the embedding example through pkg-config and compares numbers with python3.
 packages+=(pkgconf python3)
 missing=()

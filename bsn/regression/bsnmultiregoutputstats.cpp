@@ -4,6 +4,11 @@
 #include "bsn/regression/bsnmultipleregr.h"
 #include "bsn/regression/bsnmultiregoutputstatsimp.h"
 
+#include <cmath>
+#include <vector>
+
+#include "platform/common/mcmv.h"
+
 namespace MCBSN_850 {
 
 BSNMultiRegOutputStats::BSNMultiRegOutputStats(const BSNSettings& settings, BSNMultipleRegr& procedure)
@@ -87,5 +92,107 @@ const MCMath_850::MCSymMatrix& BSNMultiRegOutputStats::GetPosteriorCovFactor() c
 double BSNMultiRegOutputStats::GetPredVarianceScale() const { return m_imp->predVarianceScale; }
 double BSNMultiRegOutputStats::GetPredIntervalScale() const { return m_imp->predIntervalScale; }
 double BSNMultiRegOutputStats::GetTQuantile() const { return m_imp->tQuantile; }
+
+namespace {
+
+using MCCommon_850::MCMV;
+
+// Per-thread scratch rows, so that scoring allocates nothing per record.
+struct ScoreScratch {
+    std::vector<int> indices;
+    std::vector<double> values;
+    std::vector<double> dense;
+};
+
+ScoreScratch& scratch() {
+    thread_local ScoreScratch s;
+    return s;
+}
+
+} // namespace
+
+MCCommon_850::MCStatus BSNMultiRegOutputStats::Score(const MCCommon_850::Record& record,
+                                                     BayesEstimation& estimation) const {
+    estimation = BayesEstimation();
+    const BSNMultiRegOutputStatsImp& imp = *m_imp;
+    const MCMath_850::MCFastDesignMatrix& design = imp.design;
+    const int n = design.GetNParameters();
+    const std::vector<double>& b = imp.scoringCoefficients;
+    if (b.size() < static_cast<std::size_t>(n)) return {};
+    ScoreScratch& s = scratch();
+
+    // The non-zero entries of the design row x, as (index, value) pairs.
+    int count = 0;
+    if (imp.sparse) {
+        const auto size = static_cast<std::size_t>(design.GetSparseSize());
+        if (s.indices.size() < size) {
+            s.indices.resize(size);
+            s.values.resize(size);
+        }
+        count = design.ExpandRowX(record, s.indices.data(), s.values.data());
+        if (count < 0) return {};
+    } else {
+        s.dense.resize(static_cast<std::size_t>(n));
+        if (!design.ExpandRowX(record, s.dense.data())) return {};
+        if (s.indices.size() < static_cast<std::size_t>(n)) {
+            s.indices.resize(static_cast<std::size_t>(n));
+            s.values.resize(static_cast<std::size_t>(n));
+        }
+        for (int i = 0; i < n; ++i) {
+            const double x = s.dense[static_cast<std::size_t>(i)];
+            if (x == 0.0) continue;
+            s.indices[static_cast<std::size_t>(count)] = i;
+            s.values[static_cast<std::size_t>(count++)] = x;
+        }
+    }
+    const int* idx = s.indices.data();
+    const double* x = s.values.data();
+
+    double yhat = 0.0;
+    for (int k = 0; k < count; ++k) yhat += x[k] * b[static_cast<std::size_t>(idx[k])];
+    yhat = MCMV::Sanitize(yhat);
+    estimation.SetMode(yhat);
+    estimation.SetMean(yhat);
+
+    const MCMath_850::MCSymMatrix& S = imp.covFactor;
+    if (!imp.hasPosterior || !imp.settings.IsComputeVarianceInScoring() || S.Size() != n || MCMV::IsMissing(yhat))
+        return {};
+    // h = x'Sx + 1 over the non-zero entries (S is symmetric).
+    double q = 0.0;
+    for (int a = 0; a < count; ++a) {
+        double inner = 0.5 * S.Get(idx[a], idx[a]) * x[a];
+        for (int c = 0; c < a; ++c) inner += S.Get(idx[a], idx[c]) * x[c];
+        q += 2.0 * x[a] * inner;
+    }
+    const double h = q + 1.0;
+    if (!MCMV::IsMissing(imp.predVarianceScale)) estimation.SetVariance(MCMV::Sanitize(h * imp.predVarianceScale));
+    if (!MCMV::IsMissing(imp.tQuantile) && !MCMV::IsMissing(imp.predIntervalScale)) {
+        const double half = MCMV::Sanitize(imp.tQuantile * std::sqrt(h * imp.predIntervalScale));
+        if (!MCMV::IsMissing(half)) {
+            estimation.SetLower(MCMV::Sanitize(yhat - half));
+            estimation.SetUpper(MCMV::Sanitize(yhat + half));
+        }
+    }
+    return {};
+}
+
+void BSNMultiRegOutputStats::FillRegSettings(MCMath_850::MCRegSettings& regSettings) const {
+    regSettings.SetDesign(m_imp->design);
+    regSettings.SetFrequencyWeightVar(m_imp->settings.GetFrequencyWeightVar());
+    regSettings.SetRegrWeightVar(m_imp->settings.GetRegrWeightVar());
+    regSettings.SetCoefficients(m_imp->scoringCoefficients);
+    regSettings.SetRedundancy(m_imp->redundancy);
+    regSettings.SetParameterLabels(m_imp->parameterLabels);
+}
+
+bool BSNMultiRegOutputStats::GetPosteriorCovariance(MCMath_850::MCSymMatrix& covariance) const {
+    const BSNMultiRegOutputStatsImp& imp = *m_imp;
+    if (!imp.hasPosterior || MCMV::IsMissing(imp.predVarianceScale) ||
+        imp.covFactor.Size() != imp.design.GetNParameters())
+        return false;
+    covariance = imp.covFactor;
+    covariance.Dense() *= imp.predVarianceScale;
+    return true;
+}
 
 } // namespace MCBSN_850

@@ -18,7 +18,10 @@
 #include "bsn/frame/bsnsettings.h"
 #include "bsn/regression/bayesestimation.h"
 #include "platform/matrix/mcfastdesignmatrix.h"
+#include "platform/common/mcstatus.h"
 #include "platform/matrix/mcsymmatrix.h"
+#include "platform/pmml/mcregsettings.h"
+#include "platform/records/record.h"
 #include "platform/stats/mcreganova.h"
 #include "platform/stats/mcteststats.h"
 
@@ -113,6 +116,21 @@ public:
     // defined). For a row x: yhat = x'b, h = x'Sx + 1, variance = h *
     // variance scale, limits yhat -+ t sqrt(h * interval scale).
     const MCMath_850::MCFastDesignMatrix& GetDesign() const;
+    // Scores one record (values by variable index, as in the fit): mode =
+    // mean = x'b always; with a posterior, and when the settings ask for
+    // variances in scoring, also the variance and the limits of the
+    // posterior predictive interval. A record that does not expand (a
+    // missing predictor, a value that is not a category) leaves every field
+    // missing. The status is always success. Safe to call from several
+    // threads at once.
+    MCCommon_850::MCStatus Score(const MCCommon_850::Record& record, BayesEstimation& estimation) const;
+    // Describes the model (design, weights, coefficients b, redundancy and
+    // parameter labels) for the PMML regression exporter.
+    void FillRegSettings(MCMath_850::MCRegSettings& regSettings) const;
+    // The posterior covariance of the coefficients, S times the variance
+    // scale; false (out unchanged) without a posterior or when the variance
+    // is not defined (2 or fewer degrees of freedom).
+    bool GetPosteriorCovariance(MCMath_850::MCSymMatrix& covariance) const;
     bool IsSparse() const;
     const std::vector<double>& GetScoringCoefficients() const;
     const MCMath_850::MCSymMatrix& GetPosteriorCovFactor() const;

@@ -19,6 +19,14 @@ bool PlatformMessage(int code, std::string& text) {
         text = "Warning: the JZS Bayes factor integral, cut at g = 1e6, leaves out more than 1% of the "
                "integrand's mass for some pairs; their factors are far from the factor over the whole range";
         return true;
+    case 102:
+        text = "Error: a factor or covariate of the model is missing from the variable list or is not a valid "
+               "variable, so the model cannot be exported";
+        return true;
+    case 303:
+        text = "Error: the PMML document could not be written (a covariance matrix of the wrong size, or a part "
+               "of the model that cannot be expressed)";
+        return true;
     case 420040:
         text = "Warning: records with a factor code outside the declared categories or a negative weight "
                "were left out of the table";

@@ -29,6 +29,12 @@ public:
         m_min = minimum;
         m_max = maximum;
     }
+    // A usable variable: it has a name, and its stored range, when given,
+    // is not reversed.
+    bool IsValid() const {
+        return !m_name.empty() && !(!MCCommon_850::MCMV::IsMissing(m_min) && !MCCommon_850::MCMV::IsMissing(m_max) &&
+                                    m_min > m_max);
+    }
     // Labels of a nominal variable: entry k names category code k.
     const std::vector<std::string>& GetValueLabels() const { return m_labels; }
     void SetValueLabels(std::vector<std::string> labels) { m_labels = std::move(labels); }
