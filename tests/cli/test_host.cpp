@@ -358,7 +358,7 @@ TEST(Host, SettingsCheckRefusalAndCancellation) {
     options.jsonPath = dir.Path("c.json");
     options.cancel = &cancel;
     std::ostringstream out, err;
-    EXPECT_EQ(bsncli::RunAnalysis(options, out, err), 1);
+    EXPECT_EQ(bsncli::RunAnalysis(options, out, err), 1) << err.str();
     const json doc = json::parse(bsntest::TempDir::Read(options.jsonPath));
     EXPECT_EQ(doc["status"]["code"], 410016);  // the normal procedure's own cancellation status
     EXPECT_EQ(doc["status"]["message"], "The analysis was abandoned following a cancellation request");

@@ -34,7 +34,7 @@ TEST(Scoring, AgreesWithLmAndRecordsThatDoNotExpandLeaveEveryScoreMissing) {
     // Under the reference prior the predictive limits are lm's prediction
     // limits; A expands rows densely, B and the ANOVA C sparsely.
     for (const char model : {'A', 'B', 'C'}) {
-        RegrRun run(modelSettings(model), readColumns("regr_small.csv"), varList(kNColumns, {kG, kH}));
+        RegrRun run(modelSettings(model), readColumns("regr_small.csv"), ScaleVars(kNColumns, {kG, kH}));
         ASSERT_TRUE(run.status.IsOK()) << model << " " << run.status.GetCode();
         EXPECT_EQ(run.result().IsSparse(), model != 'A') << model;
         expectScoresMatchR(run.result(), std::string(1, model));
@@ -66,8 +66,8 @@ TEST(Scoring, DenseAndSparseDesignsScoreTheSame) {
     BSNSettings sparse = modelSettings('B');
     BSNSettings dense = sparse;
     dense.SetCovariates({kX1, kNColumns, kNColumns + 1});
-    RegrRun a(sparse, cols, varList(kNColumns + 2, {kG, kH}));
-    RegrRun b(dense, cols, varList(kNColumns + 2, {kG, kH}));
+    RegrRun a(sparse, cols, ScaleVars(kNColumns + 2, {kG, kH}));
+    RegrRun b(dense, cols, ScaleVars(kNColumns + 2, {kG, kH}));
     ASSERT_TRUE(a.status.IsOK());
     ASSERT_TRUE(b.status.IsOK());
     ASSERT_TRUE(a.result().IsSparse());
@@ -117,7 +117,7 @@ TEST(Scoring, PosteriorPartsFollowThePosteriorAndTheSetting) {
         for (const bool variances : {true, false}) {
             BSNSettings s = c.settings;
             s.SetComputeVarianceInScoring(variances);
-            RegrRun run(s, readColumns("regr_small.csv"), varList(kNColumns, {kG, kH}));
+            RegrRun run(s, readColumns("regr_small.csv"), ScaleVars(kNColumns, {kG, kH}));
             ASSERT_TRUE(run.status.IsOK()) << c.name;
             const auto e = score(run.result(), x0);
             const std::string what = std::string(c.name) + (variances ? " with" : " without") + " variances";
@@ -139,7 +139,7 @@ TEST(Scoring, PosteriorPartsFollowThePosteriorAndTheSetting) {
     // nothing else, whatever the setting asks.
     BSNSettings bfOnly = modelSettings('A');
     bfOnly.SetAnalysType(BC::BayesFactor);
-    RegrRun run(bfOnly, readColumns("regr_small.csv"), varList(kNColumns, {kG, kH}));
+    RegrRun run(bfOnly, readColumns("regr_small.csv"), ScaleVars(kNColumns, {kG, kH}));
     ASSERT_TRUE(run.status.IsOK());
     ASSERT_FALSE(run.result().HasPosterior());
     const auto e = score(run.result(), x0);
