@@ -22,7 +22,8 @@ bool ColumnCache::Append(const double* values) {
             Drop();
             return false;
         }
-        for (auto& column : m_columns) column.push_back(std::make_unique<double[]>(kBlockRows));
+        // Not zeroed: every slot is written before it is read.
+        for (auto& column : m_columns) column.push_back(std::make_unique_for_overwrite<double[]>(kBlockRows));
         ++m_blocks;
     }
     for (std::size_t c = 0; c < m_columns.size(); ++c) m_columns[c].back()[at] = values[c];
