@@ -26,8 +26,8 @@ struct RunOptions {
     std::string reportPath; // empty: no HTML report
     bool quiet = false;     // no tables
     bool progress = false;  // progress line on the error stream
-    // The cancel query handed to the analysis; null makes the host use its
-    // own, set by Ctrl-C.
+    // A cancel query asked besides Ctrl-C (whose handler the host installs
+    // for the whole run) in every phase; may be null.
     MCCommon_850::MCQueryCancel* cancel = nullptr;
 };
 

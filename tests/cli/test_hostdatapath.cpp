@@ -90,6 +90,9 @@ TEST(HostDataPath, EveryFailureWritesAJsonDocument) {
         {normal, "x,y\n1,2\nzero,4\n", "", 2, 420061, "d.csv:3: column 'x': 'zero' is not a number"},
         {normal, "x,y\n1,2\n3\n", "", 2, 420061, "d.csv:3: expected 2 fields, found 1"},
         {normal, "x,y\n1,2\n\"3,4\n", "", 2, 420061, "d.csv:3"},
+        // A bad cell that is not UTF-8 is quoted in the message: the
+        // document must still be valid JSON (found by fuzzing).
+        {normal, "x,y\n1,2\n\xF5\xF5,4\n", "", 2, 420061, "d.csv:3: column 'x': '"},
         // Settings the check refuses keep the library's status.
         {R"({"ModelType": "Related", "Covariates": ["x"]})", good, "", 2, 410039, "no covariates"},
         // An output that cannot be written: --plots names a file.
