@@ -9,6 +9,7 @@
 
 #include <fmt/format.h>
 
+#include "cli/outputfile.h"
 #include "cli/settingsjson.h"
 
 namespace bsncli {
@@ -16,6 +17,8 @@ namespace bsncli {
 namespace fs = std::filesystem;
 
 AtomicOutputFile::AtomicOutputFile(std::string path, std::string what) : m_path(std::move(path)), m_what(std::move(what)) {
+    // A run collecting its output files asks for cancellation before each.
+    if (const OutputBatch* batch = OutputBatch::Active(); batch != nullptr) batch->Poll();
     // Same directory as the target, so that the rename cannot cross file
     // systems; the process id and a counter keep writers apart.
     static std::atomic<int> counter{0};
@@ -46,6 +49,12 @@ void AtomicOutputFile::fail(const std::string& reason) {
 void AtomicOutputFile::Commit() {
     m_stream.close();
     if (m_stream.fail()) fail("the write failed");
+    // Inside a batch the file is put in place with the run's other files.
+    if (OutputBatch* batch = OutputBatch::Active(); batch != nullptr) {
+        batch->Add(m_temp, m_path);
+        m_committed = true;
+        return;
+    }
     std::error_code ec;
     fs::rename(m_temp, m_path, ec);
     if (ec) fail(ec.message());

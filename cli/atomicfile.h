@@ -18,8 +18,10 @@ public:
     AtomicOutputFile& operator=(const AtomicOutputFile&) = delete;
 
     std::ostream& Stream() { return m_stream; }
-    // Flushes, closes and renames onto the target; throws InputError when
-    // writing or renaming failed (the temporary file is then removed).
+    // Flushes, closes and renames onto the target (or, while an OutputBatch
+    // is collecting the run's files, hands the temporary file to it); throws
+    // InputError when writing or renaming failed (the temporary file is then
+    // removed).
     void Commit();
 
 private:

@@ -202,8 +202,12 @@ const char* const kOutput = R"(OUTPUT
   GetOutputType, ...).
   Missing values are null, also inside arrays; pairs are 2-element arrays;
   GetSettings uses the keys of the settings file. results is null when no
-  model was built. JSON is written once the settings check has run; input
-  errors before that write none.
+  model was built. A run that fails (bad settings or data, an analysis
+  this build lacks, an output that cannot be written, a cancellation)
+  still writes the document, with "status": {"code", "error": true,
+  "message"}, "model_built": false and "results": null; the message names
+  the file, line and column at fault. Codes: 420060 settings file, 420061
+  data file, 420062 no such analysis, 420063 output file, 1 cancelled.
 
   --plots DIR writes DIR/<variable>.svg per test variable (pair,
   coefficient, cell...), and DIR/<name>.svg per further figure of the
@@ -237,8 +241,8 @@ const char* const kOutput = R"(OUTPUT
   opens in any browser without a network. It is written once the settings
   check has run, like --json.
 
-  Files are written whole or not at all (through a temporary file that is
-  then renamed).
+  Files are written whole or not at all: all of a run's files go to
+  temporary names first and are renamed into place together at the end.
 
   Correlation tables have one row per pair of variables (both names, r, N,
   Bayes factor and its log, posterior summaries); its JSON pairs are
@@ -246,8 +250,15 @@ const char* const kOutput = R"(OUTPUT
   pairs.
 
   On a terminal a progress line is shown on stderr (records, then pairs of
-  a correlation); Ctrl-C cancels the analysis (a second Ctrl-C ends bsn at
-  once).
+  a correlation). Ctrl-C cancels the run in any phase (reading the
+  settings, checking the data, the analysis, writing the output) within a
+  fraction of a second: exit code 1, "The analysis was cancelled", and none
+  of the run's files written; a second Ctrl-C ends bsn at once.
+
+  MemCacheKB (default 1048576, i.e. 1 GiB) is the memory the run may use to
+  keep the columns the analysis reads, parsed once by the check of the
+  file; every pass of the analysis then reads memory. Larger data are read
+  again from the file on every pass, in bounded memory.
 )";
 
 const char* const kExitCodes = R"(EXIT CODES

@@ -1,6 +1,5 @@
 #include "cli/host.h"
 
-#include <signal.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -23,6 +22,7 @@
 #include "cli/outputfile.h"
 #include "cli/resultview.h"
 #include "cli/scoring.h"
+#include "cli/runcontrol.h"
 #include "cli/settingsjson.h"
 #include "cli/svgplot.h"
 #include "platform/common/mcmessages.h"
@@ -220,40 +220,11 @@ private:
     std::chrono::steady_clock::time_point m_lastShown;
 };
 
-MCCommon_850::MCAtomicCancel* g_interruptCancel = nullptr;
-
-extern "C" void onInterrupt(int) {
-    if (g_interruptCancel != nullptr) g_interruptCancel->Cancel();
-}
-
-// Ctrl-C during the build asks the analysis to stop; a second Ctrl-C ends
-// the program at once (the handler is installed for one shot).
-class InterruptGuard {
-public:
-    explicit InterruptGuard(MCCommon_850::MCAtomicCancel* cancel) {
-        g_interruptCancel = cancel;
-        struct sigaction action {};
-        action.sa_handler = onInterrupt;
-        action.sa_flags = SA_RESETHAND;
-        sigemptyset(&action.sa_mask);
-        m_installed = sigaction(SIGINT, &action, &m_previous) == 0;
-    }
-    ~InterruptGuard() {
-        if (m_installed) sigaction(SIGINT, &m_previous, nullptr);
-        g_interruptCancel = nullptr;
-    }
-    InterruptGuard(const InterruptGuard&) = delete;
-    InterruptGuard& operator=(const InterruptGuard&) = delete;
-
-private:
-    struct sigaction m_previous {};
-    bool m_installed = false;
-};
-
 // --- reports ------------------------------------------------------------------------
 
 struct Outcome {
     MCStatus status;
+    std::string message;  // the status text, when more precise than the table's
     std::vector<MCStatus> warnings;
     bool built = false;
     bool haveResults = false;
@@ -331,6 +302,7 @@ std::string analysisName(const BSNSettings& s) {
 void writeJson(const RunOptions& options, const Outcome& outcome, const DataInfo& data, std::ostream& out) {
     ordered_json doc;
     doc["status"] = statusJson(outcome.status);
+    if (!outcome.message.empty()) doc["status"]["message"] = outcome.message;
     ordered_json warnings = ordered_json::array();
     for (const MCStatus& w : outcome.warnings) {
         ordered_json item;
@@ -365,21 +337,38 @@ struct Inputs {
     std::unique_ptr<MCThread_850::MCThreadPoolFactory> threads;
 };
 
-Inputs loadInputs(const RunOptions& options, std::ostream& err) {
+// What a run had learnt when it stopped: enough for the JSON document of a
+// failure.
+struct RunRecord {
+    std::vector<std::string> columns;
+    std::vector<MCStatus> warnings;
+};
+
+Inputs loadInputs(const RunOptions& options, std::ostream& err, RunControl& control, RunRecord& record) {
     Inputs in;
+    control.Enter(RunPhase::Settings);
     const nlohmann::json settingsJson = readSettingsFile(options.settingsPath);
+    control.Enter(RunPhase::Data);
     std::vector<std::string> columns;
     if (std::string e = MCCommon_850::ReadCsvHeader(options.dataPath, columns); !e.empty()) throw InputError(e);
+    record.columns = columns;
+    control.Enter(RunPhase::Settings);
     std::vector<std::string> given;
     in.settings = SettingsFromJson(settingsJson, columns, &given);
+    control.Enter(RunPhase::Choice);
     requireProcedure(in.settings);
     in.maxThreadsGiven = std::find(given.begin(), given.end(), "MaxThreadNum") != given.end();
 
+    control.Enter(RunPhase::Data);
     const std::vector<int> nominal = NominalColumns(in.settings);
     in.iter = std::make_unique<MCCommon_850::CsvRecordIter>(options.dataPath, UsedColumns(in.settings), nominal);
+    // The scan keeps the used columns in memory within the settings' budget,
+    // so the passes of the analysis need not parse the file again.
+    in.iter->SetMemoryBudget(static_cast<std::size_t>(std::max(0, in.settings.GetMemCacheKB())) * 1024);
     if (options.progress) err << fmt::format("bsn: checking {} ...", options.dataPath) << std::flush;
-    const MCCommon_850::CsvScanResult scan = in.iter->Scan();
+    const MCCommon_850::CsvScanResult scan = in.iter->Scan(&control);
     if (options.progress) err << "\r\033[K" << std::flush;
+    control.Check();
     if (!scan.error.empty()) throw InputError(scan.error);
     in.nRecords = scan.nRecords;
     in.data = describeData(columns, nominal, scan);
@@ -392,9 +381,13 @@ Inputs loadInputs(const RunOptions& options, std::ostream& err) {
     return in;
 }
 
-// Builds the model on checked settings, with cancellation by Ctrl-C (unless
-// the caller brings its own cancel query) and progress on a terminal.
-void buildModel(const RunOptions& options, Inputs& in, std::ostream& out, std::ostream& err, Outcome& outcome) {
+// The analysis's own statuses for a build it abandoned on request.
+bool isCancelStatus(const MCStatus& s) { return s.IsError() && (s.GetCode() == 1 || s.GetCode() == 410016); }
+
+// Builds the model on checked settings, with cancellation by the run's
+// control and progress on a terminal.
+void buildModel(const RunOptions& options, Inputs& in, std::ostream& out, std::ostream& err, Outcome& outcome,
+                RunControl& control) {
     // Worker threads: --threads (default every core), unless the settings
     // file says MaxThreadNum itself.
     if (!in.maxThreadsGiven) {
@@ -404,10 +397,7 @@ void buildModel(const RunOptions& options, Inputs& in, std::ostream& out, std::o
     in.threads = std::make_unique<MCThread_850::MCThreadPoolFactory>();
     in.settings.SetThreadFactory(in.threads.get());
     BSNComponent component(in.settings, in.data.varList);
-    MCCommon_850::MCAtomicCancel ownCancel;
-    std::unique_ptr<InterruptGuard> interrupt;
-    if (options.cancel == nullptr) interrupt = std::make_unique<InterruptGuard>(&ownCancel);
-    component.SetCancelPtr(options.cancel != nullptr ? options.cancel : &ownCancel);
+    component.SetCancelPtr(&control);
     std::unique_ptr<TerminalProgress> progress;
     if (options.progress) {
         progress = std::make_unique<TerminalProgress>(err, in.nRecords);
@@ -419,9 +409,10 @@ void buildModel(const RunOptions& options, Inputs& in, std::ostream& out, std::o
     }
     component.BuildModel(*in.iter);
     progress.reset();
-    interrupt.reset();
     // Results computed from a file that failed half way must not be shown.
     if (const std::string failure = in.iter->GetSourceError(); !failure.empty()) throw InputError(failure);
+    if (isCancelStatus(component.GetStatus())) throw RunCancelled(RunPhase::Build, component.GetStatus());
+    control.Check();
 
     outcome.status = component.GetStatus();
     for (const MCStatus& w : component.GetWarningMessages()) outcome.warnings.push_back(w);
@@ -451,37 +442,52 @@ void writeReport(const RunOptions& options, const Inputs& in, const Outcome& out
     WriteFileWhole(options.reportPath, RenderHtmlReport(report), "--report");
 }
 
-int runChecked(const RunOptions& options, std::ostream& out, std::ostream& err) {
-    Inputs in = loadInputs(options, err);
+int runChecked(const RunOptions& options, std::ostream& out, std::ostream& err, RunControl& control,
+               RunRecord& record) {
+    Inputs in = loadInputs(options, err, control, record);
     CheckModelOutputOptions(options, in.settings);
     Outcome outcome;
+    control.Enter(RunPhase::Settings);
     outcome.status = in.settings.IsValidSettings();
     const bool refused = outcome.status.IsError();
     outcome.warnings = in.settings.GetWarningMessages().GetAll();
+    record.warnings = outcome.warnings;
     const std::size_t nValidationWarnings = outcome.warnings.size();
-    if (!refused) buildModel(options, in, out, err, outcome);
+    if (!refused) {
+        control.Enter(RunPhase::Build);
+        buildModel(options, in, out, err, outcome, control);
+    }
+    control.Enter(RunPhase::Output);
 
-    const bool jsonOnOut = options.jsonPath == "-" || ScoresToStdout(options);
+    const bool jsonToStdout = options.jsonPath == "-";
+    const bool jsonOnOut = jsonToStdout || ScoresToStdout(options);
     std::ostream& report = jsonOnOut ? err : out;
+    const std::vector<std::string> warnings = warningLines(outcome, nValidationWarnings, in.settings, in.data);
+    // Every output file is written in full before any is put in place, so a
+    // cancellation or a failure on the way leaves none of them behind.
+    std::size_t nPlots = 0;
+    {
+        OutputBatch batch([&control] { control.Check(); });
+        if (!options.jsonPath.empty() && !jsonToStdout) writeJson(options, outcome, in.data, out);
+        if (!options.plotsDir.empty() && outcome.haveResults)
+            nPlots = WritePlots(outcome.view.plots, options.plotsDir, outcome.view.figures).size();
+        if (!options.reportPath.empty()) writeReport(options, in, outcome, warnings);
+        control.Check();
+        batch.Commit();
+    }
     if (!options.quiet && !jsonOnOut && !refused) {
         out << fmt::format("bsn: {} analysis of {} ({} records)\n\n", analysisName(in.settings), options.dataPath,
                            in.nRecords);
         for (const TextTable& t : outcome.view.tables) t.Print(out);
     }
-    const std::vector<std::string> warnings = warningLines(outcome, nValidationWarnings, in.settings, in.data);
     printStatusAndWarnings(report, outcome, warnings);
-    if (!options.jsonPath.empty()) writeJson(options, outcome, in.data, out);
+    if (jsonToStdout) writeJson(options, outcome, in.data, out);
     if (!refused)
         if (const int code = ReportModelOutputs(options, outcome.modelOutputs, outcome.built, report, err); code != 0)
             return code;
-    if (!options.plotsDir.empty() && outcome.haveResults) {
-        const auto written = WritePlots(outcome.view.plots, options.plotsDir, outcome.view.figures);
-        if (!options.quiet) report << fmt::format("Plots: {} file(s) in {}\n", written.size(), options.plotsDir);
-    }
-    if (!options.reportPath.empty()) {
-        writeReport(options, in, outcome, warnings);
-        if (!options.quiet) report << fmt::format("Report: {}\n", options.reportPath);
-    }
+    if (!options.quiet && !options.plotsDir.empty() && outcome.haveResults)
+        report << fmt::format("Plots: {} file(s) in {}\n", nPlots, options.plotsDir);
+    if (!options.quiet && !options.reportPath.empty()) report << fmt::format("Report: {}\n", options.reportPath);
     if (refused) {
         err << fmt::format("bsn: error: the settings were refused: {}\n", StatusMessage(outcome.status.GetCode()));
         return kExitBadInput;
@@ -489,16 +495,44 @@ int runChecked(const RunOptions& options, std::ostream& out, std::ostream& err) 
     return outcome.built ? kExitBuilt : kExitAnalysisError;
 }
 
+// With --json, a run that fails still leaves a document a program can
+// parse: the status with the reason, no model and no results.
+void writeFailureJson(const RunOptions& options, const RunRecord& record, const MCStatus& status,
+                      const std::string& message, std::ostream& out, std::ostream& err) {
+    if (options.jsonPath.empty()) return;
+    Outcome outcome;
+    outcome.status = status;
+    outcome.message = message;
+    outcome.warnings = record.warnings;
+    DataInfo data;
+    data.columns = record.columns;
+    try {
+        writeJson(options, outcome, data, out);
+    } catch (const std::exception& e) {
+        err << "bsn: error: " << e.what() << '\n';
+    }
+}
+
 } // namespace
 
 int RunAnalysis(const RunOptions& options, std::ostream& out, std::ostream& err) {
+    RunControl control(options.cancel);
+    RunRecord record;
     try {
-        return runChecked(options, out, err);
+        return runChecked(options, out, err, control, record);
+    } catch (const RunCancelled& c) {
+        err << "bsn: " << c.what() << '\n';
+        const int code = c.Status().GetCode();
+        writeFailureJson(options, record, c.Status(), code == 1 ? StatusMessage(1) : StatusMessage(code), out, err);
+        return kExitAnalysisError;
     } catch (const InputError& e) {
         err << "bsn: error: " << e.what() << '\n';
+        const int code = control.FailureCode();
+        writeFailureJson(options, record, MCStatus(code, false), StatusMessage(code) + ": " + e.what(), out, err);
         return kExitBadInput;
     } catch (const std::exception& e) {
         err << "bsn: internal error: " << e.what() << '\n';
+        writeFailureJson(options, record, MCStatus(420064, false), StatusMessage(420064) + ": " + e.what(), out, err);
         return kExitAnalysisError;
     }
 }

@@ -34,8 +34,8 @@ struct RunOptions {
     bool pmmlCovariance = false;
     std::string scorePath;
     std::string scoresPath;
-    // The cancel query handed to the analysis; null makes the host use its
-    // own, set by Ctrl-C.
+    // A cancel query asked besides Ctrl-C (whose handler the host installs
+    // for the whole run) in every phase; may be null.
     MCCommon_850::MCQueryCancel* cancel = nullptr;
 };
 

@@ -221,11 +221,22 @@ bool isFlatArray(const ordered_json& j) {
 }
 } // namespace
 
+namespace {
+
+// Text from the data (column names, labels, a bad cell quoted in a message)
+// need not be valid UTF-8; a bad byte becomes U+FFFD rather than failing
+// the whole document.
+std::string dumpScalar(const ordered_json& value) {
+    return value.dump(-1, ' ', false, ordered_json::error_handler_t::replace);
+}
+
+} // namespace
+
 std::string DumpJson(const ordered_json& value, int indent) {
     const std::string inner(static_cast<std::size_t>(indent) + 2, ' '), outer(static_cast<std::size_t>(indent), ' ');
     if (isFlatArray(value)) {
         std::string out = "[";
-        for (std::size_t i = 0; i < value.size(); ++i) out += (i ? ", " : "") + value[i].dump();
+        for (std::size_t i = 0; i < value.size(); ++i) out += (i ? ", " : "") + dumpScalar(value[i]);
         return out + "]";
     }
     if (value.is_array()) {
@@ -238,11 +249,11 @@ std::string DumpJson(const ordered_json& value, int indent) {
         std::string out = "{\n";
         std::size_t i = 0;
         for (auto it = value.begin(); it != value.end(); ++it, ++i)
-            out += inner + ordered_json(it.key()).dump() + ": " + DumpJson(it.value(), indent + 2) +
+            out += inner + dumpScalar(ordered_json(it.key())) + ": " + DumpJson(it.value(), indent + 2) +
                    (i + 1 < value.size() ? ",\n" : "\n");
         return out + outer + "}";
     }
-    return value.dump();
+    return dumpScalar(value);
 }
 
 void PutCommonGetters(const MCBSN_850::BSNOutputStats& result, const MCBSN_850::BSNSettings& settings,

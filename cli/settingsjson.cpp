@@ -431,7 +431,8 @@ BSNSettings SettingsFromJson(const json& j, const std::vector<std::string>& colu
     const auto& table = keyTable();
     for (const auto& [key, value] : j.items()) {
         (void)value;
-        const auto known = std::find_if(table.begin(), table.end(), [&](const SettingKey& k) { return k.key == key; });
+        const auto known =
+            std::find_if(table.begin(), table.end(), [&name = key](const SettingKey& k) { return k.key == name; });
         if (known != table.end()) continue;
         if (std::find(kHostOnlyKeys.begin(), kHostOnlyKeys.end(), key) != kHostOnlyKeys.end())
             throw InputError(fmt::format("settings key '{}' cannot be given in a settings file", key));

@@ -39,6 +39,21 @@ bool PlatformMessage(int code, std::string& text) {
         text = "Warning: there are too many pairs of categories (more than ten million) for posterior "
                "estimates; none were computed";
         return true;
+    case 420060:
+        text = "Error: the settings file cannot be used";
+        return true;
+    case 420061:
+        text = "Error: the data file cannot be used";
+        return true;
+    case 420062:
+        text = "Error: this build of bsn has no such analysis";
+        return true;
+    case 420063:
+        text = "Error: an output file cannot be written";
+        return true;
+    case 420064:
+        text = "Error: the run failed unexpectedly";
+        return true;
     default:
         return false;
     }

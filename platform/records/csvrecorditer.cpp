@@ -365,6 +365,8 @@ struct CsvRecordIter::Column {
     std::vector<Category> categories;
     std::vector<std::string> labels;
 
+    // The category of a spelling, found or added. Category numbers are in
+    // order of first appearance until assignCodes sorts them.
     int addSpelling(std::string_view text) {
         if (auto it = codes.find(text); it != codes.end()) return it->second;
         int category = -1;
@@ -381,8 +383,9 @@ struct CsvRecordIter::Column {
         return category;
     }
 
-    // Numbers by value first, then text in byte order.
-    void assignCodes() {
+    // Numbers by value first, then text in byte order. Returns the code of
+    // each category number.
+    std::vector<int> assignCodes() {
         std::vector<int> order(categories.size());
         for (std::size_t i = 0; i < order.size(); ++i) order[i] = static_cast<int>(i);
         std::sort(order.begin(), order.end(), [this](int a, int b) {
@@ -400,6 +403,7 @@ struct CsvRecordIter::Column {
         for (auto& entry : codes) entry.second = codeOf[static_cast<std::size_t>(entry.second)];
         numericCategory.clear();
         categories.clear();
+        return codeOf;
     }
 };
 
@@ -478,8 +482,9 @@ bool CsvRecordIter::convertRow(std::size_t nFields, long rowLine, bool scanning,
             continue;
         }
         if (scanning) {
-            column->addSpelling(text);
-            value = MCMV::Missing();  // codes are known only after the scan
+            // Codes are known only after the scan; the column cache holds the
+            // category number until then.
+            value = column->addSpelling(text);
             continue;
         }
         const auto it = column->codes.find(text);
@@ -493,7 +498,15 @@ bool CsvRecordIter::convertRow(std::size_t nFields, long rowLine, bool scanning,
     return true;
 }
 
-CsvScanResult CsvRecordIter::Scan() {
+// Appends the used values of the row just converted to the column cache.
+void CsvRecordIter::keepRow() {
+    if (!m_cache.IsActive()) return;
+    for (std::size_t k = 0; k < m_columns.size(); ++k)
+        m_cacheRow[k] = m_values[static_cast<std::size_t>(m_columns[k]->index)];
+    m_cache.Append(m_cacheRow.data());
+}
+
+CsvScanResult CsvRecordIter::Scan(const MCQueryCancel* cancel) {
     CsvScanResult result;
     m_passOpen = false;
     m_valid = false;
@@ -515,7 +528,16 @@ CsvScanResult CsvRecordIter::Scan() {
         return result;
     }
     m_identity = m_tokenizer.GetIdentity();
+    m_cache.Start(m_columns.size(), m_budget);
+    m_cacheRow.assign(m_columns.size(), MCMV::Missing());
+    // Asking every 256 rows keeps a cancellation well under a millisecond
+    // away at a negligible cost per row.
+    constexpr long long kCancelEvery = 256;
     for (;;) {
+        if (cancel != nullptr && result.nRecords % kCancelEvery == 0 && cancel->IsCancel()) {
+            result.cancelled = true;
+            break;
+        }
         std::size_t n = 0;
         long line = 0;
         const auto status = m_tokenizer.Next(m_fields, m_names.size() + 1, n, line, error);
@@ -524,10 +546,12 @@ CsvScanResult CsvRecordIter::Scan() {
             result.error = error;
             break;
         }
+        keepRow();
         ++result.nRecords;
     }
     m_tokenizer.Close();
-    m_scanned = result.error.empty();
+    m_scanned = result.error.empty() && !result.cancelled;
+    if (!m_scanned) m_cache.Drop();
     m_sourceError = result.error;
     m_nRecords = result.nRecords;
 
@@ -537,7 +561,7 @@ CsvScanResult CsvRecordIter::Scan() {
     for (auto& column : m_columns) {
         const auto c = static_cast<std::size_t>(column->index);
         if (column->nominal) {
-            column->assignCodes();
+            m_cache.Remap(static_cast<std::size_t>(&column - m_columns.data()), column->assignCodes());
             result.labels[c] = column->labels;
         } else {
             result.minimum[c] = column->minimum;
@@ -555,7 +579,12 @@ void CsvRecordIter::Reset() {
     if (!m_sourceError.empty()) return;
     if (!m_scanned) {
         Scan();
-        if (!m_sourceError.empty()) return;
+        if (!m_sourceError.empty() || !m_scanned) return;
+    }
+    if (m_cache.IsActive()) {
+        m_cursor = 0;
+        m_passOpen = true;
+        return;
     }
     std::string error;
     if (!readHeader(error)) {
@@ -573,6 +602,17 @@ void CsvRecordIter::Reset() {
 bool CsvRecordIter::Advance() {
     m_valid = false;
     if (!m_passOpen) return false;
+    if (m_cache.IsActive()) {
+        if (m_cursor >= m_cache.GetNRows()) {
+            m_passOpen = false;
+            return false;
+        }
+        for (std::size_t k = 0; k < m_columns.size(); ++k)
+            m_values[static_cast<std::size_t>(m_columns[k]->index)] = m_cache.Get(k, m_cursor);
+        ++m_cursor;
+        m_valid = true;
+        return true;
+    }
     std::size_t n = 0;
     long line = 0;
     std::string error;

@@ -1,7 +1,10 @@
 #pragma once
-// CsvRecordIter: a record source that streams a CSV file from disk. Every
-// pass (Reset) reopens the file and reads it again, so memory stays at one
-// read buffer and one row of values whatever the size of the data.
+// CsvRecordIter: a record source over a CSV file. The validating scan parses
+// the file once and, within a memory budget, keeps the values of the used
+// columns (ColumnCache); every pass then reads memory. When the columns do
+// not fit, every pass (Reset) reopens the file and reads it again, so memory
+// stays at one read buffer and one row of values whatever the size of the
+// data.
 //
 // File rules: the first row names the columns; fields are separated by
 // commas; a field may be quoted ("a, b" holds a comma, "" inside quotes is
@@ -20,6 +23,8 @@
 #include <string_view>
 #include <vector>
 
+#include "platform/progress/mcquerycancel.h"
+#include "platform/records/columncache.h"
 #include "platform/records/multipassrecorditer.h"
 
 namespace MCCommon_850 {
@@ -28,6 +33,8 @@ namespace MCCommon_850 {
 struct CsvScanResult {
     // The first problem, "FILE:LINE: ..." (empty when the file is usable).
     std::string error;
+    // The scan stopped because the cancel query said so (error stays empty).
+    bool cancelled = false;
     // Data rows read (blank lines are not rows).
     long long nRecords = 0;
     // Per column: for a nominal column the label of each code (entry k names
@@ -129,8 +136,15 @@ public:
     // Reads the whole file once and checks every row: the field count, and
     // that each value of a used numeric column is a number. Builds the label
     // tables of the nominal columns, which later passes code values with.
-    // Passes run the scan themselves if it has not been run.
-    CsvScanResult Scan();
+    // Passes run the scan themselves if it has not been run. The cancel
+    // query, when given, is asked every few hundred rows.
+    CsvScanResult Scan(const MCQueryCancel* cancel = nullptr);
+
+    // Bytes the scan may spend keeping the used columns in memory (default
+    // 0: every pass reads the file). Takes effect at the next scan.
+    void SetMemoryBudget(std::size_t bytes) { m_budget = bytes; }
+    // True when the scan kept every used column and passes read memory.
+    bool IsHeldInMemory() const { return m_scanned && m_cache.IsActive(); }
 
     // Read-buffer size for the following passes (see CsvTokenizer).
     void SetReadBufferSize(std::size_t bytes) { m_tokenizer.SetBufferSize(bytes); }
@@ -147,6 +161,7 @@ private:
     struct Column;
     bool readHeader(std::string& error);
     bool convertRow(std::size_t nFields, long rowLine, bool scanning, std::string& error);
+    void keepRow();
 
     std::string m_path;
     std::string m_openError;
@@ -165,6 +180,10 @@ private:
     long long m_nRecords = 0;    // rows found by the scan
     long long m_passRecords = 0;  // rows read so far in this pass
     CsvTokenizer::Identity m_identity;
+    ColumnCache m_cache;          // one column per entry of m_columns
+    std::size_t m_budget = 0;
+    std::size_t m_cursor = 0;     // next cached row of this pass
+    std::vector<double> m_cacheRow;
 };
 
 } // namespace MCCommon_850
