@@ -58,7 +58,9 @@ TEST(CorrelationJZS, FactorsMatchHighPrecisionIntegrals) {
 
     // The default tolerance of the analysis is looser but still close.
     TaskRig loose(rs, ns);
-    auto defaults = loose.task(corrSettings({0, 1}, BC::BayesFactor), 0, static_cast<int>(cases.size()), 1);
+    // The task keeps a reference to its settings: they must outlive it.
+    const BSNSettings looseSettings = corrSettings({0, 1}, BC::BayesFactor);
+    auto defaults = loose.task(looseSettings, 0, static_cast<int>(cases.size()), 1);
     defaults->RunTask();
     for (std::size_t i = 0; i < cases.size(); ++i)
         EXPECT_NEAR(loose.logBF[i], cases[i].logBF, 1e-3) << i;
