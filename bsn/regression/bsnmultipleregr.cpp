@@ -214,23 +214,7 @@ MCStatus BSNMultipleRegr::computeFactor() {
 }
 
 MCStatus BSNMultipleRegr::computePosterior() {
-    const int p = m_fit.k - 1;
-    if (m_settings.GetPriorType() == BSNConst::Conjugate)
-        m_posterior = std::make_unique<BSNRegrConjugatePrior>(
-            m_settings, m_fit.totalW, p, m_fit.coefficients, m_design, m_fit.XtX, m_fit.XtXinverse,
-            m_fit.nonRedundant, m_fit.Xty, m_fit.yty, m_fit.sigma2, m_warnings);
-    else
-        m_posterior = std::make_unique<BSNRegrPosteriorReference>(
-            m_settings, m_fit.totalW, p, m_fit.coefficients, m_design, m_fit.XtX, m_fit.XtXinverse,
-            m_fit.nonRedundant, m_fit.Xty, m_fit.yty, m_fit.sigma2, m_warnings);
-    m_posterior->SetResidualSS(m_fit.sse);
-    const MCStatus st = m_posterior->ComputeStats();
-    if (st.IsError()) return st;
-    m_fit.fStatistic = m_posterior->GetFStatistic();
-    m_fit.fSig = m_posterior->GetSig();
-    if (m_cancelInfo.WillCancel()) return MCStatus(1, false);
-    m_posterior->CalculatePlots(m_warnings);
-    return st;
+    return ComputeRegrPosterior(m_settings, m_design, m_cancelInfo, m_warnings, m_fit, m_posterior);
 }
 
 void BSNMultipleRegr::Display(std::ostream& os) const {

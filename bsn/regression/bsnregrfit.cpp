@@ -1,7 +1,10 @@
 #include "bsn/regression/bsnregrfit.h"
 
+#include "bsn/regression/bsnregrconjugateprior.h"
+#include "bsn/regression/bsnregrposteriorreference.h"
 #include "platform/dist/mcdistfun.h"
 #include "platform/display/mcdisplay.h"
+#include "platform/progress/mccancelinfo.h"
 
 namespace MCBSN_850 {
 
@@ -61,6 +64,28 @@ void BSNRegrFit::Display(std::ostream& os) const {
     DisplayD("Bayes factor", bayesFactor);
     DisplayD("Log Bayes factor", logBayesFactor);
     DisplayText(0, "BSNRegrFit display end");
+}
+
+MCCommon_850::MCStatus ComputeRegrPosterior(const BSNSettings& settings, const MCMath_850::MCFastDesignMatrix& design,
+                                            const MCMath_850::MCCancelInfo& cancel, MCCommon_850::MCWarnings& warnings,
+                                            BSNRegrFit& fit, std::unique_ptr<BSNRegrPosterior>& posterior) {
+    const int p = fit.k - 1;
+    if (settings.GetPriorType() == BSNConst::Conjugate)
+        posterior = std::make_unique<BSNRegrConjugatePrior>(settings, fit.totalW, p, fit.coefficients, design, fit.XtX,
+                                                            fit.XtXinverse, fit.nonRedundant, fit.Xty, fit.yty,
+                                                            fit.sigma2, warnings);
+    else
+        posterior = std::make_unique<BSNRegrPosteriorReference>(settings, fit.totalW, p, fit.coefficients, design,
+                                                                fit.XtX, fit.XtXinverse, fit.nonRedundant, fit.Xty,
+                                                                fit.yty, fit.sigma2, warnings);
+    posterior->SetResidualSS(fit.sse);
+    const MCCommon_850::MCStatus st = posterior->ComputeStats();
+    if (st.IsError()) return st;
+    fit.fStatistic = posterior->GetFStatistic();
+    fit.fSig = posterior->GetSig();
+    if (cancel.WillCancel()) return MCCommon_850::MCStatus(1, false);
+    posterior->CalculatePlots(warnings);
+    return st;
 }
 
 } // namespace MCBSN_850

@@ -3,12 +3,21 @@
 // after their fit, read by the result object: the least-squares fit, the
 // ANOVA table, R squared, the Bayes factor and the posterior's overall F.
 #include <iosfwd>
+#include <memory>
 #include <vector>
 
+#include "bsn/frame/bsnsettings.h"
 #include "platform/common/mcmv.h"
+#include "platform/common/mcstatus.h"
+#include "platform/common/mcwarnings.h"
 #include "platform/matrix/mcbitset.h"
 #include "platform/matrix/mcsymmatrix.h"
 #include "platform/stats/mcreganova.h"
+
+namespace MCMath_850 {
+class MCCancelInfo;
+class MCFastDesignMatrix;
+} // namespace MCMath_850
 
 namespace MCBSN_850 {
 
@@ -40,5 +49,15 @@ struct BSNRegrFit {
     void Summarise(double tolerance);
     void Display(std::ostream& os) const;
 };
+
+class BSNRegrPosterior;
+
+// The posterior stage shared by regression and the one-way ANOVA: builds the
+// conjugate or reference posterior of the fit (with p = k - 1 predictors
+// besides the intercept), computes its statistics and the fit's overall F,
+// then its plot curves unless a cancel arrived.
+MCCommon_850::MCStatus ComputeRegrPosterior(const BSNSettings& settings, const MCMath_850::MCFastDesignMatrix& design,
+                                            const MCMath_850::MCCancelInfo& cancel, MCCommon_850::MCWarnings& warnings,
+                                            BSNRegrFit& fit, std::unique_ptr<BSNRegrPosterior>& posterior);
 
 } // namespace MCBSN_850
