@@ -143,7 +143,6 @@ bool CsvTokenizer::Open(const std::string& path, std::string& error) {
     m_pos = m_end = 0;
     m_eof = false;
     m_line = 1;
-    m_buffer.assign(m_bufferSize, '\0');
     m_fd = ::open(path.c_str(), O_RDONLY | O_CLOEXEC);
     if (m_fd < 0) {
         error = path + ": cannot open: " + std::strerror(errno);
@@ -155,6 +154,13 @@ bool CsvTokenizer::Open(const std::string& path, std::string& error) {
         Close();
         return false;
     }
+    // A small file gets a buffer of its own size: clearing a whole default
+    // buffer would cost more than reading the file. Pipes and the like keep
+    // the default; the buffer still grows for a row longer than it.
+    std::size_t bytes = m_bufferSize;
+    if (S_ISREG(st.st_mode) && st.st_size >= 0 && static_cast<std::uint64_t>(st.st_size) < bytes)
+        bytes = std::max<std::size_t>(static_cast<std::size_t>(st.st_size) + 1, std::min<std::size_t>(m_bufferSize, 64));
+    m_buffer.assign(bytes, '\0');
     m_identity = {static_cast<std::uint64_t>(st.st_dev), static_cast<std::uint64_t>(st.st_ino),
                   static_cast<std::uint64_t>(st.st_size), static_cast<std::int64_t>(st.st_mtim.tv_sec),
                   static_cast<std::int64_t>(st.st_mtim.tv_nsec)};
