@@ -230,6 +230,9 @@ struct Outcome {
     bool haveResults = false;
     ResultView view;
     ModelOutputReport modelOutputs;
+    // Kept past the build for the model outputs, which are written with the
+    // run's other files.
+    std::unique_ptr<BSNComponent> component;
 };
 
 // The test variable a build warning's datum 0 points at: its position in
@@ -386,8 +389,7 @@ bool isCancelStatus(const MCStatus& s) { return s.IsError() && (s.GetCode() == 1
 
 // Builds the model on checked settings, with cancellation by the run's
 // control and progress on a terminal.
-void buildModel(const RunOptions& options, Inputs& in, std::ostream& out, std::ostream& err, Outcome& outcome,
-                RunControl& control) {
+void buildModel(const RunOptions& options, Inputs& in, std::ostream& err, Outcome& outcome, RunControl& control) {
     // Worker threads: --threads (default every core), unless the settings
     // file says MaxThreadNum itself.
     if (!in.maxThreadsGiven) {
@@ -396,7 +398,8 @@ void buildModel(const RunOptions& options, Inputs& in, std::ostream& out, std::o
     }
     in.threads = std::make_unique<MCThread_850::MCThreadPoolFactory>();
     in.settings.SetThreadFactory(in.threads.get());
-    BSNComponent component(in.settings, in.data.varList);
+    outcome.component = std::make_unique<BSNComponent>(in.settings, in.data.varList);
+    BSNComponent& component = *outcome.component;
     component.SetCancelPtr(&control);
     std::unique_ptr<TerminalProgress> progress;
     if (options.progress) {
@@ -408,6 +411,7 @@ void buildModel(const RunOptions& options, Inputs& in, std::ostream& out, std::o
         component.SetProgressListener(progress.get());
     }
     component.BuildModel(*in.iter);
+    component.SetProgressListener(nullptr);
     progress.reset();
     // Results computed from a file that failed half way must not be shown.
     if (const std::string failure = in.iter->GetSourceError(); !failure.empty()) throw InputError(failure);
@@ -422,7 +426,6 @@ void buildModel(const RunOptions& options, Inputs& in, std::ostream& out, std::o
         if (!outcome.haveResults)
             err << fmt::format("bsn: note: no report for result kind {} ({})\n",
                                static_cast<int>(result->GetOutputType()), EnumWord(result->GetOutputType()));
-        if (WantsModelOutputs(options)) outcome.modelOutputs = WriteModelOutputs(options, *result, in.data, out);
     }
 }
 
@@ -455,7 +458,7 @@ int runChecked(const RunOptions& options, std::ostream& out, std::ostream& err, 
     const std::size_t nValidationWarnings = outcome.warnings.size();
     if (!refused) {
         control.Enter(RunPhase::Build);
-        buildModel(options, in, out, err, outcome, control);
+        buildModel(options, in, err, outcome, control);
     }
     control.Enter(RunPhase::Output);
 
@@ -468,6 +471,9 @@ int runChecked(const RunOptions& options, std::ostream& out, std::ostream& err, 
     std::size_t nPlots = 0;
     {
         OutputBatch batch([&control] { control.Check(); });
+        if (outcome.built && WantsModelOutputs(options))
+            if (const auto* result = outcome.component->GetOutputStats(); result != nullptr)
+                outcome.modelOutputs = WriteModelOutputs(options, *result, in.data, out);
         if (!options.jsonPath.empty() && !jsonToStdout) writeJson(options, outcome, in.data, out);
         if (!options.plotsDir.empty() && outcome.haveResults)
             nPlots = WritePlots(outcome.view.plots, options.plotsDir, outcome.view.figures).size();

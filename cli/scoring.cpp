@@ -9,6 +9,7 @@
 
 #include "bsn/regression/bsnpmmlexporter.h"
 #include "cli/atomicfile.h"
+#include "cli/outputfile.h"
 #include "cli/settingsjson.h"
 #include "platform/common/mcmv.h"
 #include "platform/pmml/mcregsettings.h"
@@ -196,7 +197,10 @@ long long ScoreCsv(const BSNMultiRegOutputStats& result, const DataInfo& data, c
         appendNumber(buffer, scores.GetLower());
         appendNumber(buffer, scores.GetUpper());
         buffer.push_back('\n');
-        ++nRecords;
+        // Scoring a long file is part of writing the output: a cancellation
+        // stops it like any other output file.
+        if (++nRecords % 4096 == 0)
+            if (const OutputBatch* batch = OutputBatch::Active(); batch != nullptr) batch->Poll();
         if (buffer.size() >= (1u << 20)) {
             out.write(buffer.data(), static_cast<std::streamsize>(buffer.size()));
             buffer.clear();
