@@ -22,40 +22,18 @@ namespace C = MCBSN_850::BSNConst;
 
 namespace {
 
-ordered_json number(double v) { return MCMV::IsMissing(v) ? ordered_json(nullptr) : ordered_json(v); }
-
-ordered_json testJson(const MCMath_850::MCTestStats& t) {
-    ordered_json j;
-    j["statistic"] = number(t.GetWald());
-    j["df"] = number(t.GetDF());
-    j["df2"] = number(t.GetDF2());
-    j["type"] = t.GetTestType();
-    j["sig"] = number(t.GetSig());
-    return j;
-}
-
-ordered_json estimationJson(const BayesEstimation& e) {
-    ordered_json j;
-    j["mode"] = number(e.GetMode());
-    j["mean"] = number(e.GetMean());
-    j["variance"] = number(e.GetVariance());
-    j["lower"] = number(e.GetLower());
-    j["upper"] = number(e.GetUpper());
-    return j;
-}
-
 ordered_json tableJson(const BSNContingency& t) {
     ordered_json j;
     j["GetAllCounts"] = ToJson(t.GetAllCounts());
     j["GetExpectedCounts"] = ToJson(t.GetExpectedCounts());
     j["GetRowTotals"] = ToJson(t.GetRowTotals());
     j["GetColTotals"] = ToJson(t.GetColTotals());
-    j["GetTotalWeight"] = number(t.GetTotalWeight());
+    j["GetTotalWeight"] = ToJson(t.GetTotalWeight());
     j["GetNonEmptyRows"] = ToJson(t.GetNonEmptyRows());
     j["GetNonEmptyCols"] = ToJson(t.GetNonEmptyCols());
     j["GetNCellsExpLess5"] = t.GetNCellsExpLess5();
-    j["GetMinExpectedCount"] = number(t.GetMinExpectedCount());
-    j["GetPctCellsExpLess5"] = number(t.GetPctCellsExpLess5());
+    j["GetMinExpectedCount"] = ToJson(t.GetMinExpectedCount());
+    j["GetPctCellsExpLess5"] = ToJson(t.GetPctCellsExpLess5());
     return j;
 }
 
@@ -234,20 +212,20 @@ bool DescribeLogLinear(const MCBSN_850::BSNOutputStats& base, const DataInfo& da
     PutCommonGetters(*r, s, data, view);
     auto& j = view.getters;
     j["GetContingencyMatrix"] = tableJson(t);
-    j["GetChiSquareResult"] = testJson(r->GetChiSquareResult());
-    j["GetLikeRatioResult"] = testJson(r->GetLikeRatioResult());
-    j["GetContCorrectResult"] = testJson(r->GetContCorrectResult());
-    j["GetFisher1SidedSig"] = number(r->GetFisher1SidedSig());
-    j["GetFisher2SidedSig"] = number(r->GetFisher2SidedSig());
-    j["GetBayesFactor"] = number(r->GetBayesFactor());
+    j["GetChiSquareResult"] = ToJson(r->GetChiSquareResult());
+    j["GetLikeRatioResult"] = ToJson(r->GetLikeRatioResult());
+    j["GetContCorrectResult"] = ToJson(r->GetContCorrectResult());
+    j["GetFisher1SidedSig"] = ToJson(r->GetFisher1SidedSig());
+    j["GetFisher2SidedSig"] = ToJson(r->GetFisher2SidedSig());
+    j["GetBayesFactor"] = ToJson(r->GetBayesFactor());
     j["IsLogBayesFactor"] = r->IsLogBayesFactor();
-    j["GetLogBayesFactor"] = number(r->GetLogBayesFactor());
+    j["GetLogBayesFactor"] = ToJson(r->GetLogBayesFactor());
     j["GetT"] = r->GetT();
     j["GetT1"] = r->GetT1();
     j["GetT2"] = r->GetT2();
     ordered_json pairs = ordered_json::array(), estimates = ordered_json::array();
     for (const auto& p : r->GetPosteriorPairs()) pairs.push_back(ordered_json::array({p[0], p[1], p[2], p[3]}));
-    for (const auto& e : r->GetPosteriorEstimations()) estimates.push_back(estimationJson(e));
+    for (const auto& e : r->GetPosteriorEstimations()) estimates.push_back(ToJson(e));
     j["GetPosteriorPairs"] = pairs;
     j["GetPosteriorEstimations"] = estimates;
     j["GetPlotArguments4Posterior"] = ToJson(r->GetPlotArguments4Posterior());

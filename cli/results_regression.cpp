@@ -17,35 +17,13 @@ using MCCommon_850::MCMV;
 using nlohmann::ordered_json;
 namespace C = MCBSN_850::BSNConst;
 
-ordered_json number(double v) { return MCMV::IsMissing(v) ? ordered_json(nullptr) : ordered_json(v); }
-
-ordered_json estimationJson(const BayesEstimation& e) {
-    ordered_json j;
-    j["mode"] = number(e.GetMode());
-    j["mean"] = number(e.GetMean());
-    j["variance"] = number(e.GetVariance());
-    j["lower"] = number(e.GetLower());
-    j["upper"] = number(e.GetUpper());
-    return j;
-}
-
-ordered_json testJson(const MCMath_850::MCTestStats& t) {
-    ordered_json j;
-    j["statistic"] = number(t.GetWald());
-    j["df"] = number(t.GetDF());
-    j["df2"] = number(t.GetDF2());
-    j["type"] = t.GetTestType();
-    j["sig"] = number(t.GetSig());
-    return j;
-}
-
 ordered_json anovaJson(const MCMath_850::MCRegANOVA& a) {
     ordered_json j;
-    j["regression"] = {{"ss", number(a.regressionSS)}, {"df", number(a.regressionDF)}, {"ms", number(a.regressionMS)}};
-    j["residual"] = {{"ss", number(a.residualSS)}, {"df", number(a.residualDF)}, {"ms", number(a.residualMS)}};
-    j["total"] = {{"ss", number(a.totalSS)}, {"df", number(a.totalDF)}};
-    j["f"] = number(a.f);
-    j["sig"] = number(a.sig);
+    j["regression"] = {{"ss", ToJson(a.regressionSS)}, {"df", ToJson(a.regressionDF)}, {"ms", ToJson(a.regressionMS)}};
+    j["residual"] = {{"ss", ToJson(a.residualSS)}, {"df", ToJson(a.residualDF)}, {"ms", ToJson(a.residualMS)}};
+    j["total"] = {{"ss", ToJson(a.totalSS)}, {"df", ToJson(a.totalDF)}};
+    j["f"] = ToJson(a.f);
+    j["sig"] = ToJson(a.sig);
     return j;
 }
 
@@ -53,34 +31,34 @@ void putGetters(const BSNMultiRegOutputStats& r, const DataInfo& data, ResultVie
     PutCommonGetters(r, r.GetSettings(), data, view);
     auto& j = view.getters;
     j["GetAnova"] = anovaJson(r.GetAnova());
-    j["GetBayesFactor"] = number(r.GetBayesFactor());
-    j["GetLogBayesFactor"] = number(r.GetLogBayesFactor());
+    j["GetBayesFactor"] = ToJson(r.GetBayesFactor());
+    j["GetLogBayesFactor"] = ToJson(r.GetLogBayesFactor());
     j["IsLogBayesFactor"] = r.IsLogBayesFactor();
     ordered_json coeffs = ordered_json::array();
-    for (const auto& e : r.GetVarCoeffBayesEstimations()) coeffs.push_back(estimationJson(e));
+    for (const auto& e : r.GetVarCoeffBayesEstimations()) coeffs.push_back(ToJson(e));
     j["GetVarCoeffBayesEstimations"] = coeffs;
-    j["GetErrorBayesEstimation"] = estimationJson(r.GetErrorBayesEstimation());
-    j["GetPredictedBayesEstimation"] = estimationJson(r.GetPredictedBayesEstimation());
-    j["GetRSquared"] = number(r.GetRSquared());
-    j["GetRSquaredFull"] = number(r.GetRSquaredFull());
-    j["GetAdjRSquared"] = number(r.GetAdjRSquared());
-    j["GetSigmaSquared"] = number(r.GetSigmaSquared());
-    j["GetStdError"] = number(r.GetStdError());
+    j["GetErrorBayesEstimation"] = ToJson(r.GetErrorBayesEstimation());
+    j["GetPredictedBayesEstimation"] = ToJson(r.GetPredictedBayesEstimation());
+    j["GetRSquared"] = ToJson(r.GetRSquared());
+    j["GetRSquaredFull"] = ToJson(r.GetRSquaredFull());
+    j["GetAdjRSquared"] = ToJson(r.GetAdjRSquared());
+    j["GetSigmaSquared"] = ToJson(r.GetSigmaSquared());
+    j["GetStdError"] = ToJson(r.GetStdError());
     j["GetRegrParameters"] = ToJson(r.GetRegrParameters());
     j["GetParameterLabels"] = r.GetParameterLabels();
     j["GetRedundancy"] = ToJson(r.GetRedundancy());
     ordered_json tests = ordered_json::array();
     const auto labels = r.GetFTestLabels();
     for (std::size_t i = 0; i < r.GetFTestResults().size(); ++i) {
-        ordered_json t = testJson(r.GetFTestResults()[i]);
+        ordered_json t = ToJson(r.GetFTestResults()[i]);
         t["label"] = i < labels.size() ? labels[i] : std::string();
         tests.push_back(t);
     }
     j["GetFTestResults"] = tests;
-    j["GetFStat"] = number(r.GetFStat());
-    j["GetDF"] = number(r.GetDF());
-    j["GetDF2"] = number(r.GetDF2());
-    j["GetSig"] = number(r.GetSig());
+    j["GetFStat"] = ToJson(r.GetFStat());
+    j["GetDF"] = ToJson(r.GetDF());
+    j["GetDF2"] = ToJson(r.GetDF2());
+    j["GetSig"] = ToJson(r.GetSig());
     j["GetPlotParameters"] = ToJson(r.GetPlotParameters());
     j["GetLikelihoodParamPlots"] = ToJson(r.GetLikelihoodParamPlots());
     j["GetParamsArgumentsPlots4Likelihoods"] = ToJson(r.GetParamsArgumentsPlots4Likelihoods());

@@ -185,6 +185,28 @@ namespace {
 ordered_json number(double v) { return MCMV::IsMissing(v) ? ordered_json(nullptr) : ordered_json(v); }
 } // namespace
 
+ordered_json ToJson(double value) { return number(value); }
+
+ordered_json ToJson(const MCBSN_850::BayesEstimation& e) {
+    ordered_json j;
+    j["mode"] = number(e.GetMode());
+    j["mean"] = number(e.GetMean());
+    j["variance"] = number(e.GetVariance());
+    j["lower"] = number(e.GetLower());
+    j["upper"] = number(e.GetUpper());
+    return j;
+}
+
+ordered_json ToJson(const MCMath_850::MCTestStats& t) {
+    ordered_json j;
+    j["statistic"] = number(t.GetWald());
+    j["df"] = number(t.GetDF());
+    j["df2"] = number(t.GetDF2());
+    j["type"] = t.GetTestType();
+    j["sig"] = number(t.GetSig());
+    return j;
+}
+
 ordered_json ToJson(const std::vector<double>& values) {
     ordered_json out = ordered_json::array();
     for (double v : values) out.push_back(number(v));

@@ -12,7 +12,9 @@
 
 #include "bsn/frame/bsnoutputstats.h"
 #include "bsn/frame/bsnsettings.h"
+#include "bsn/regression/bayesestimation.h"
 #include "platform/common/mcmv.h"
+#include "platform/stats/mcteststats.h"
 #include "platform/variables/mcvarlist.h"
 
 namespace bsncli {
@@ -111,6 +113,9 @@ extern const char* const kLogFactorNote;
 
 // JSON of getter values: missing numbers become null, also inside vectors;
 // pairs become 2-arrays; settings use the settings-file keys.
+nlohmann::ordered_json ToJson(double value);
+nlohmann::ordered_json ToJson(const MCBSN_850::BayesEstimation& e);  // {"mode","mean","variance","lower","upper"}
+nlohmann::ordered_json ToJson(const MCMath_850::MCTestStats& t);    // {"statistic","df","df2","type","sig"}
 nlohmann::ordered_json ToJson(const std::vector<double>& values);
 nlohmann::ordered_json ToJson(const std::vector<int>& values);
 nlohmann::ordered_json ToJson(const std::vector<bool>& values);
