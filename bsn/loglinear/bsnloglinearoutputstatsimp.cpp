@@ -8,30 +8,15 @@ namespace MCBSN_850 {
 
 using MCCommon_850::MCMV;
 
-namespace {
-
-BayesEstimation sanitized(const BayesEstimation& e) {
-    return {MCMV::Sanitize(e.GetMode()), MCMV::Sanitize(e.GetMean()), MCMV::Sanitize(e.GetVariance()),
-            MCMV::Sanitize(e.GetLower()), MCMV::Sanitize(e.GetUpper())};
-}
-
-std::vector<std::vector<double>> sanitized(std::vector<std::vector<double>> curves) {
-    for (auto& curve : curves)
-        for (double& v : curve) v = MCMV::Sanitize(v);
-    return curves;
-}
-
-} // namespace
-
 BSNLogLinearOutputStatsImp::BSNLogLinearOutputStatsImp(const BSNSettings& s, const BSNLogLinear& p)
     : settings(s), table(p.GetContingency() != nullptr ? *p.GetContingency() : BSNContingency({})),
       chiSquare(p.GetChiSquareResult()), likeRatio(p.GetLikeRatioResult()), contCorrect(p.GetContCorrectResult()),
       fisher1(MCMV::Sanitize(p.GetFisher1SidedSig())), fisher2(MCMV::Sanitize(p.GetFisher2SidedSig())),
       bayesFactor(MCMV::Sanitize(p.GetBayesFactor())), isLogBayesFactor(p.IsLogBayesFactor()),
       logBayesFactor(MCMV::Sanitize(p.GetLogBayesFactor())), t(p.GetT()), t1(p.GetT1()), t2(p.GetT2()),
-      pairs(p.GetPosteriorPairs()), plotArguments(sanitized(p.GetPlotArguments())),
-      plotPosterior(sanitized(p.GetPlotDensities())) {
-    for (const BayesEstimation& e : p.GetPosteriorEstimations()) estimations.push_back(sanitized(e));
+      pairs(p.GetPosteriorPairs()), plotArguments(MCMV::Sanitize(p.GetPlotArguments())),
+      plotPosterior(MCMV::Sanitize(p.GetPlotDensities())) {
+    for (const BayesEstimation& e : p.GetPosteriorEstimations()) estimations.push_back(e.Sanitized());
 }
 
 void BSNLogLinearOutputStatsImp::Display(std::ostream& os) const {

@@ -62,10 +62,10 @@ void BSN1SampleBinoOutputStatsImpl::fillCategories(const BSN1SampleBinoCounts& c
 }
 
 void BSN1SampleBinoOutputStatsImpl::fillPlots(const BSN1SampleBinoConjPrior& posterior) {
-    plotArguments = BSN1SampleDiscreteUtils::Sanitized(posterior.GetPlotArguments());
-    plotLikelihoods = BSN1SampleDiscreteUtils::Sanitized(posterior.GetPlotLikelihoods());
-    plotPrior = BSN1SampleDiscreteUtils::Sanitized(posterior.GetPlotPrior());
-    plotPosterior = BSN1SampleDiscreteUtils::Sanitized(posterior.GetPlotPosterior());
+    plotArguments = MCCommon_850::MCMV::Sanitize(posterior.GetPlotArguments());
+    plotLikelihoods = MCCommon_850::MCMV::Sanitize(posterior.GetPlotLikelihoods());
+    plotPrior = MCCommon_850::MCMV::Sanitize(posterior.GetPlotPrior());
+    plotPosterior = MCCommon_850::MCMV::Sanitize(posterior.GetPlotPosterior());
 }
 
 BSN1SampleBinoOutputStats::BSN1SampleBinoOutputStats(const BSNSettings& settings, BSNAlgorithm& procedure)

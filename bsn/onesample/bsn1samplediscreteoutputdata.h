@@ -21,19 +21,19 @@ struct BSN1SampleDiscreteOutputData {
     template <class Counts>
     void CopyFactors(const BSN1SampleDiscreteFactor<Counts>& factor) {
         if (factor.GetBayesFactors().size() != Size()) return;
-        bayesFactors = BSN1SampleDiscreteUtils::Sanitized(factor.GetBayesFactors());
+        bayesFactors = MCCommon_850::MCMV::Sanitize(factor.GetBayesFactors());
         isLogBayesFactor = factor.GetIsLogBayesFactor();
-        logBayesFactors = BSN1SampleDiscreteUtils::Sanitized(factor.GetLogBayesFactors());
+        logBayesFactors = MCCommon_850::MCMV::Sanitize(factor.GetLogBayesFactors());
     }
 
     template <class Counts>
     void CopySummaries(const BSN1SampleDiscretePosterior<Counts>& posterior) {
         if (posterior.GetModeValues().size() != Size()) return;
-        modes = BSN1SampleDiscreteUtils::Sanitized(posterior.GetModeValues());
-        means = BSN1SampleDiscreteUtils::Sanitized(posterior.GetMeanValues());
-        variances = BSN1SampleDiscreteUtils::Sanitized(posterior.GetVarianceValues());
-        lowerLimits = BSN1SampleDiscreteUtils::Sanitized(posterior.GetLowerLimits());
-        upperLimits = BSN1SampleDiscreteUtils::Sanitized(posterior.GetUpperLimits());
+        modes = MCCommon_850::MCMV::Sanitize(posterior.GetModeValues());
+        means = MCCommon_850::MCMV::Sanitize(posterior.GetMeanValues());
+        variances = MCCommon_850::MCMV::Sanitize(posterior.GetVarianceValues());
+        lowerLimits = MCCommon_850::MCMV::Sanitize(posterior.GetLowerLimits());
+        upperLimits = MCCommon_850::MCMV::Sanitize(posterior.GetUpperLimits());
     }
 
     // Labelled lines of the shared fields (to the current dump stream).

@@ -43,17 +43,4 @@ std::vector<double> BSN1SampleDiscreteUtils::EqualGrid(double lo, double hi, int
     return grid;
 }
 
-std::vector<double> BSN1SampleDiscreteUtils::Sanitized(const std::vector<double>& values) {
-    std::vector<double> out(values);
-    for (double& v : out) v = MCMV::Sanitize(v);
-    return out;
-}
-
-std::vector<std::vector<double>> BSN1SampleDiscreteUtils::Sanitized(const std::vector<std::vector<double>>& curves) {
-    std::vector<std::vector<double>> out;
-    out.reserve(curves.size());
-    for (const auto& c : curves) out.push_back(Sanitized(c));
-    return out;
-}
-
 } // namespace MCBSN_850

@@ -26,11 +26,6 @@ public:
     // `nPoints` equally spaced points from lo to hi, the last one exactly hi.
     // Empty when nPoints < 1; {lo} when nPoints == 1.
     static std::vector<double> EqualGrid(double lo, double hi, int nPoints);
-
-    // Copies with every value that is not a finite number replaced by the
-    // system-missing value: what result objects store.
-    static std::vector<double> Sanitized(const std::vector<double>& values);
-    static std::vector<std::vector<double>> Sanitized(const std::vector<std::vector<double>>& curves);
 };
 
 } // namespace MCBSN_850

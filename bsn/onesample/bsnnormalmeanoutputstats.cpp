@@ -6,25 +6,6 @@
 
 namespace MCBSN_850 {
 
-namespace {
-
-// Results reach the host only through here: anything that is not a finite
-// number becomes the system-missing value.
-std::vector<double> clean(const std::vector<double>& v) {
-    std::vector<double> out(v);
-    for (double& x : out) x = MCCommon_850::MCMV::Sanitize(x);
-    return out;
-}
-
-std::vector<std::vector<double>> clean(const std::vector<std::vector<double>>& v) {
-    std::vector<std::vector<double>> out;
-    out.reserve(v.size());
-    for (const auto& inner : v) out.push_back(clean(inner));
-    return out;
-}
-
-} // namespace
-
 class BSN1SampleNormOutputStatsImp {
 public:
     explicit BSN1SampleNormOutputStatsImp(const BSNSettings& s) : settings(s) {}
@@ -87,35 +68,35 @@ void BSNNormalMeanOutputStats::SetOutputValues(
     BSN1SampleNormOutputStatsImp& d = *m_imp;
     d.settings = settings;
     d.varIndices = varIndices;
-    d.bayesFactors = clean(bayesFactors);
-    d.ns = clean(ns);
-    d.stdDevs = clean(stdDevs);
-    d.stdErrors = clean(stdErrors);
-    d.dfs = clean(dfs);
-    d.sigs = clean(sigs);
-    d.tValues = clean(tValues);
-    d.modes = clean(modes);
-    d.postMeans = clean(postMeans);
-    d.variances = clean(variances);
-    d.lowerLimits = clean(lowerLimits);
-    d.upperLimits = clean(upperLimits);
-    d.means = clean(means);
+    d.bayesFactors = MCCommon_850::MCMV::Sanitize(bayesFactors);
+    d.ns = MCCommon_850::MCMV::Sanitize(ns);
+    d.stdDevs = MCCommon_850::MCMV::Sanitize(stdDevs);
+    d.stdErrors = MCCommon_850::MCMV::Sanitize(stdErrors);
+    d.dfs = MCCommon_850::MCMV::Sanitize(dfs);
+    d.sigs = MCCommon_850::MCMV::Sanitize(sigs);
+    d.tValues = MCCommon_850::MCMV::Sanitize(tValues);
+    d.modes = MCCommon_850::MCMV::Sanitize(modes);
+    d.postMeans = MCCommon_850::MCMV::Sanitize(postMeans);
+    d.variances = MCCommon_850::MCMV::Sanitize(variances);
+    d.lowerLimits = MCCommon_850::MCMV::Sanitize(lowerLimits);
+    d.upperLimits = MCCommon_850::MCMV::Sanitize(upperLimits);
+    d.means = MCCommon_850::MCMV::Sanitize(means);
 }
 
 void BSNNormalMeanOutputStats::SetLogBayesFactors(const std::vector<double>& logBayesFactors) {
-    m_imp->logBayesFactors = clean(logBayesFactors);
+    m_imp->logBayesFactors = MCCommon_850::MCMV::Sanitize(logBayesFactors);
 }
 
 void BSNNormalMeanOutputStats::SetPlotValues(const Curves& argsLikelihood, const Curves& argsPrior,
                                               const Curves& argsPosterior, const Curves& likelihoods,
                                               const Curves& posteriors, const Curves& priors) {
     BSN1SampleNormOutputStatsImp& d = *m_imp;
-    d.argsLikelihood = clean(argsLikelihood);
-    d.argsPrior = clean(argsPrior);
-    d.argsPosterior = clean(argsPosterior);
-    d.likelihoods = clean(likelihoods);
-    d.posteriors = clean(posteriors);
-    d.priors = clean(priors);
+    d.argsLikelihood = MCCommon_850::MCMV::Sanitize(argsLikelihood);
+    d.argsPrior = MCCommon_850::MCMV::Sanitize(argsPrior);
+    d.argsPosterior = MCCommon_850::MCMV::Sanitize(argsPosterior);
+    d.likelihoods = MCCommon_850::MCMV::Sanitize(likelihoods);
+    d.posteriors = MCCommon_850::MCMV::Sanitize(posteriors);
+    d.priors = MCCommon_850::MCMV::Sanitize(priors);
 }
 
 const BSNSettings& BSNNormalMeanOutputStats::GetSettings() const { return m_imp->settings; }

@@ -30,11 +30,6 @@ std::string parameterLabel(const MCMath_850::MCFastDesignMatrix& design, const M
     return "#" + std::to_string(param);
 }
 
-std::vector<double> clean(std::vector<double> v) {
-    for (double& x : v) x = MCMV::Sanitize(x);
-    return v;
-}
-
 } // namespace
 
 BSNMultiRegOutputStatsImp::BSNMultiRegOutputStatsImp(const BSNSettings& s, const BSNRegrFit& fit,
@@ -53,7 +48,7 @@ BSNMultiRegOutputStatsImp::BSNMultiRegOutputStatsImp(const BSNSettings& s, const
     if (!MCMV::IsMissing(sigma2) && sigma2 >= 0.0) stdError = std::sqrt(sigma2);
     design.ClearShifts();
     const int n = design.GetNParameters();
-    regrParameters = clean(fit.coefficients);
+    regrParameters = MCCommon_850::MCMV::Sanitize(fit.coefficients);
     redundancy.assign(static_cast<std::size_t>(n), false);
     for (int i = 0; i < n; ++i) {
         redundancy[static_cast<std::size_t>(i)] = !fit.nonRedundant.IsMember(i);
@@ -74,29 +69,29 @@ BSNMultiRegOutputStatsImp::BSNMultiRegOutputStatsImp(const BSNSettings& s, const
 
     plotParameters = posterior->GetPlotParameters();
     for (const auto& c : posterior->GetParamCurves()) {
-        argsLikelihoodParam.push_back(clean(c.likelihoodArgs));
-        likelihoodParam.push_back(clean(c.likelihood));
-        argsPriorParam.push_back(clean(c.priorArgs));
-        priorParam.push_back(clean(c.prior));
-        argsPosteriorParam.push_back(clean(c.posteriorArgs));
-        posteriorParam.push_back(clean(c.posterior));
+        argsLikelihoodParam.push_back(MCCommon_850::MCMV::Sanitize(c.likelihoodArgs));
+        likelihoodParam.push_back(MCCommon_850::MCMV::Sanitize(c.likelihood));
+        argsPriorParam.push_back(MCCommon_850::MCMV::Sanitize(c.priorArgs));
+        priorParam.push_back(MCCommon_850::MCMV::Sanitize(c.prior));
+        argsPosteriorParam.push_back(MCCommon_850::MCMV::Sanitize(c.posteriorArgs));
+        posteriorParam.push_back(MCCommon_850::MCMV::Sanitize(c.posterior));
     }
     const BSNRegrCurves& e = posterior->GetErrorVarCurves();
-    argsLikelihoodError = clean(e.likelihoodArgs);
-    likelihoodError = clean(e.likelihood);
-    argsPriorError = clean(e.priorArgs);
-    priorError = clean(e.prior);
-    argsPosteriorError = clean(e.posteriorArgs);
-    posteriorError = clean(e.posterior);
+    argsLikelihoodError = MCCommon_850::MCMV::Sanitize(e.likelihoodArgs);
+    likelihoodError = MCCommon_850::MCMV::Sanitize(e.likelihood);
+    argsPriorError = MCCommon_850::MCMV::Sanitize(e.priorArgs);
+    priorError = MCCommon_850::MCMV::Sanitize(e.prior);
+    argsPosteriorError = MCCommon_850::MCMV::Sanitize(e.posteriorArgs);
+    posteriorError = MCCommon_850::MCMV::Sanitize(e.posterior);
     const BSNRegrCurves& p = posterior->GetPredictedCurves();
-    argsLikelihoodPred = clean(p.likelihoodArgs);
-    likelihoodPred = clean(p.likelihood);
-    argsPriorPred = clean(p.priorArgs);
-    priorPred = clean(p.prior);
-    argsPosteriorPred = clean(p.posteriorArgs);
-    posteriorPred = clean(p.posterior);
+    argsLikelihoodPred = MCCommon_850::MCMV::Sanitize(p.likelihoodArgs);
+    likelihoodPred = MCCommon_850::MCMV::Sanitize(p.likelihood);
+    argsPriorPred = MCCommon_850::MCMV::Sanitize(p.priorArgs);
+    priorPred = MCCommon_850::MCMV::Sanitize(p.prior);
+    argsPosteriorPred = MCCommon_850::MCMV::Sanitize(p.posteriorArgs);
+    posteriorPred = MCCommon_850::MCMV::Sanitize(p.posterior);
 
-    scoringCoefficients = clean(posterior->GetPosteriorCoefficients());
+    scoringCoefficients = MCCommon_850::MCMV::Sanitize(posterior->GetPosteriorCoefficients());
     covFactor = posterior->GetCovarianceFactor();
     predVarianceScale = MCMV::Sanitize(posterior->GetPredVarianceScale());
     predIntervalScale = MCMV::Sanitize(posterior->GetPredIntervalScale());

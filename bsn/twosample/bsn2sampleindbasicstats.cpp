@@ -12,10 +12,10 @@ namespace MCBSN_850 {
 using MCCommon_850::MCMV;
 
 BSN2SampleIndBasicStats::BSN2SampleIndBasicStats(const std::vector<int>& testVars)
-    : m_testVars(&testVars), m_stats(testVars.size()) {}
+    : m_testVars(testVars), m_stats(testVars.size()) {}
 
 void BSN2SampleIndBasicStats::Update(const MCCommon_850::Record& record) {
-    const std::vector<int>& vars = *m_testVars;
+    const std::vector<int>& vars = m_testVars;
     for (std::size_t i = 0; i < m_stats.size(); ++i) m_stats[i].Update(record.GetValue(vars[i]));
 }
 
@@ -23,7 +23,7 @@ bool BSN2SampleIndBasicStats::Update(const MCCommon_850::Record& record, double 
     if (MCMV::IsMissing(f) || MCMV::IsMissing(w)) return false;
     const double rounded = std::floor(f + 0.5);
     if (!(rounded > 0.0) || !(w > 0.0)) return false;
-    const std::vector<int>& vars = *m_testVars;
+    const std::vector<int>& vars = m_testVars;
     for (std::size_t i = 0; i < m_stats.size(); ++i) m_stats[i].Update(record.GetValue(vars[i]), rounded, w);
     return true;
 }
@@ -80,7 +80,7 @@ void BSN2SampleIndBasicStats::Display(std::ostream& os) const {
     using namespace MCDisplay_850;
     StreamGuard guard(os);
     DisplayText(0, "BSN2SampleIndBasicStats display start");
-    DisplayIV("Test Variables", *m_testVars);
+    DisplayIV("Test Variables", m_testVars);
     DisplayDV("Weighted Cases", GetNWeightedCases());
     DisplayDV("Means", GetMeans());
     DisplayDV("Variances", GetVariances());

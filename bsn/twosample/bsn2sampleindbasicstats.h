@@ -12,8 +12,7 @@ namespace MCBSN_850 {
 
 class BSN2SampleIndBasicStats {
 public:
-    // The list of test-variable indices is borrowed and must outlive this
-    // object (and its copies).
+    // Keeps its own copy of the list of test-variable indices.
     explicit BSN2SampleIndBasicStats(const std::vector<int>& testVars);
 
     // An unweighted case: every test variable's value (missing values are
@@ -26,7 +25,7 @@ public:
 
     std::size_t Size() const { return m_stats.size(); }
     const BSN2SampleContStats& Get(std::size_t i) const { return m_stats.at(i); }
-    const std::vector<int>& GetVarIndices() const { return *m_testVars; }
+    const std::vector<int>& GetVarIndices() const { return m_testVars; }
 
     // Per test variable; what cannot be computed is the system-missing
     // value. W as a double, and truncated to int (saturating at the int
@@ -43,7 +42,7 @@ public:
     void Display(std::ostream& os) const;
 
 private:
-    const std::vector<int>* m_testVars;
+    std::vector<int> m_testVars;
     std::vector<BSN2SampleContStats> m_stats;
 };
 

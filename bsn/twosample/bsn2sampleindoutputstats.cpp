@@ -9,25 +9,6 @@
 
 namespace MCBSN_850 {
 
-namespace {
-
-// Results reach the host only through here: anything that is not a finite
-// number becomes the system-missing value.
-std::vector<double> clean(const std::vector<double>& v) {
-    std::vector<double> out(v);
-    for (double& x : out) x = MCCommon_850::MCMV::Sanitize(x);
-    return out;
-}
-
-BSN2SampleIndOutputStats::Curves clean(const BSN2SampleIndOutputStats::Curves& v) {
-    BSN2SampleIndOutputStats::Curves out;
-    out.reserve(v.size());
-    for (const auto& inner : v) out.push_back(clean(inner));
-    return out;
-}
-
-} // namespace
-
 class BSN2SampleIndOutputStatsImp {
 public:
     using Curves = BSN2SampleIndOutputStats::Curves;
@@ -88,45 +69,45 @@ void BSN2SampleIndOutputStats::SetOutputValues(const BSNSettings& settings, cons
     const BSN2SampleIndBasicStats& g2 = procedure.GetSecondGroupStats();
     d.groupStatsVarIndices = vars;
     d.group1Ns = g1.GetNWeightedIntCases();
-    d.group1Means = clean(g1.GetMeans());
-    d.group1StdDevs = clean(g1.GetStdDevs());
-    d.group1EMs = clean(g1.GetStdErrors());
+    d.group1Means = MCCommon_850::MCMV::Sanitize(g1.GetMeans());
+    d.group1StdDevs = MCCommon_850::MCMV::Sanitize(g1.GetStdDevs());
+    d.group1EMs = MCCommon_850::MCMV::Sanitize(g1.GetStdErrors());
     d.group2Ns = g2.GetNWeightedIntCases();
-    d.group2Means = clean(g2.GetMeans());
-    d.group2StdDevs = clean(g2.GetStdDevs());
-    d.group2EMs = clean(g2.GetStdErrors());
+    d.group2Means = MCCommon_850::MCMV::Sanitize(g2.GetMeans());
+    d.group2StdDevs = MCCommon_850::MCMV::Sanitize(g2.GetStdDevs());
+    d.group2EMs = MCCommon_850::MCMV::Sanitize(g2.GetStdErrors());
 
     if (const BSN2SampleIndBayesFactor* bf = procedure.GetBayesFactor(); bf != nullptr) {
         d.tTestVarIndices = vars;
-        d.meanDiffs = clean(bf->GetMeanDiffs());
-        d.pooledStdErrors = clean(bf->GetPooledStdErrors());
-        d.bayesFactors = clean(bf->GetBayesFactors());
-        d.logBayesFactors = clean(bf->GetLogBayesFactors());
-        d.tValues = clean(bf->GetPooledTs());
-        d.dfs = clean(bf->GetDFs());
-        d.sigs = clean(bf->GetPooledSigs());
-        d.welchTValues = clean(bf->GetUnpooledTs());
-        d.welchDfs = clean(bf->GetWelchDFs());
-        d.welchSigs = clean(bf->GetUnpooledSigs());
-        d.welchStdErrors = clean(bf->GetUnpooledStdErrors());
+        d.meanDiffs = MCCommon_850::MCMV::Sanitize(bf->GetMeanDiffs());
+        d.pooledStdErrors = MCCommon_850::MCMV::Sanitize(bf->GetPooledStdErrors());
+        d.bayesFactors = MCCommon_850::MCMV::Sanitize(bf->GetBayesFactors());
+        d.logBayesFactors = MCCommon_850::MCMV::Sanitize(bf->GetLogBayesFactors());
+        d.tValues = MCCommon_850::MCMV::Sanitize(bf->GetPooledTs());
+        d.dfs = MCCommon_850::MCMV::Sanitize(bf->GetDFs());
+        d.sigs = MCCommon_850::MCMV::Sanitize(bf->GetPooledSigs());
+        d.welchTValues = MCCommon_850::MCMV::Sanitize(bf->GetUnpooledTs());
+        d.welchDfs = MCCommon_850::MCMV::Sanitize(bf->GetWelchDFs());
+        d.welchSigs = MCCommon_850::MCMV::Sanitize(bf->GetUnpooledSigs());
+        d.welchStdErrors = MCCommon_850::MCMV::Sanitize(bf->GetUnpooledStdErrors());
     }
     if (const BSN2SampleIndPosterior* p = procedure.GetPosterior(); p != nullptr) {
         d.postVarIndices = vars;
-        d.modes = clean(p->GetModeValues());
-        d.postMeans = clean(p->GetPostMeanValues());
-        d.variances = clean(p->GetVarianceValues());
-        d.lowerLimits = clean(p->GetLowerLimits());
-        d.upperLimits = clean(p->GetUpperLimits());
-        d.xArgs = clean(p->GetPlotXArguments());
-        d.yArgs = clean(p->GetPlotYArguments());
-        d.xLikelihoods = clean(p->GetPlotXLikelihoods());
-        d.yLikelihoods = clean(p->GetPlotYLikelihoods());
-        d.xPriorArgs = clean(p->GetPlotXPriorArguments());
-        d.yPriorArgs = clean(p->GetPlotYPriorArguments());
-        d.xPrior = clean(p->GetPlotXPrior());
-        d.yPrior = clean(p->GetPlotYPrior());
-        d.postArgs = clean(p->GetPlotArguments());
-        d.posterior = clean(p->GetPlotPosterior());
+        d.modes = MCCommon_850::MCMV::Sanitize(p->GetModeValues());
+        d.postMeans = MCCommon_850::MCMV::Sanitize(p->GetPostMeanValues());
+        d.variances = MCCommon_850::MCMV::Sanitize(p->GetVarianceValues());
+        d.lowerLimits = MCCommon_850::MCMV::Sanitize(p->GetLowerLimits());
+        d.upperLimits = MCCommon_850::MCMV::Sanitize(p->GetUpperLimits());
+        d.xArgs = MCCommon_850::MCMV::Sanitize(p->GetPlotXArguments());
+        d.yArgs = MCCommon_850::MCMV::Sanitize(p->GetPlotYArguments());
+        d.xLikelihoods = MCCommon_850::MCMV::Sanitize(p->GetPlotXLikelihoods());
+        d.yLikelihoods = MCCommon_850::MCMV::Sanitize(p->GetPlotYLikelihoods());
+        d.xPriorArgs = MCCommon_850::MCMV::Sanitize(p->GetPlotXPriorArguments());
+        d.yPriorArgs = MCCommon_850::MCMV::Sanitize(p->GetPlotYPriorArguments());
+        d.xPrior = MCCommon_850::MCMV::Sanitize(p->GetPlotXPrior());
+        d.yPrior = MCCommon_850::MCMV::Sanitize(p->GetPlotYPrior());
+        d.postArgs = MCCommon_850::MCMV::Sanitize(p->GetPlotArguments());
+        d.posterior = MCCommon_850::MCMV::Sanitize(p->GetPlotPosterior());
     }
     *m_imp = std::move(fresh);
 }

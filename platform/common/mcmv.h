@@ -5,6 +5,7 @@
 // computation ever produces it by accident.
 #include <cmath>
 #include <limits>
+#include <vector>
 
 namespace MCCommon_850 {
 
@@ -19,6 +20,15 @@ public:
     // Turns anything that is not a usable finite number into the missing value;
     // result objects pass every number through this before a host can see it.
     static double Sanitize(double x) { return IsMissing(x) ? Missing() : x; }
+    static std::vector<double> Sanitize(std::vector<double> values) {
+        for (double& x : values) x = Sanitize(x);
+        return values;
+    }
+    static std::vector<std::vector<double>> Sanitize(std::vector<std::vector<double>> curves) {
+        for (auto& curve : curves)
+            for (double& x : curve) x = Sanitize(x);
+        return curves;
+    }
 };
 
 } // namespace MCCommon_850
