@@ -11,24 +11,14 @@
 #include "bsn/correlation/bsncorrtask.h"
 #include "bsn/correlation/bsnpearsoncorrelation.h"
 #include "bsn/correlation/bsnpearsoncorrelationoutputstats.h"
-#include "platform/common/mcmv.h"
-#include "platform/progress/mcquerycancel.h"
-#include "platform/records/columnrecorditer.h"
-#include "platform/variables/mcvarlist.h"
 #include "tests/onesample/extremedata.h"
 #include "tests/onesample/normaltestsupport.h"
 
 namespace corrtest {
 
+using namespace normaltest;  // BSNSettings, BC, MCMV, kMiss, moments
 using MCBSN_850::BSNPearsonCorrelation;
 using MCBSN_850::BSNPearsonCorrelationOutputStats;
-using MCBSN_850::BSNSettings;
-using MCCommon_850::MCMV;
-namespace BC = MCBSN_850::BSNConst;
-
-inline const double kMiss = MCMV::Missing();
-
-inline MCXML_850::MCVarList varList(int n) { return normaltest::makeVarList(n); }
 
 inline BSNSettings corrSettings(std::vector<int> vars, BC::AnalysTypes type = BC::Both) {
     BSNSettings s;
@@ -42,7 +32,7 @@ inline BSNSettings corrSettings(std::vector<int> vars, BC::AnalysTypes type = BC
 struct CorrRun {
     CorrRun(const BSNSettings& settings, std::vector<std::vector<double>> cols, int blockSize = 0)
         : columns(std::move(cols)), iter(columns),
-          procedure(settings, varList(static_cast<int>(columns.size()))) {
+          procedure(settings, makeVarList(static_cast<int>(columns.size()))) {
         procedure.SetBlockSize(blockSize);
         status = procedure.BuildModel(iter);
     }
@@ -107,24 +97,12 @@ struct TaskRig {
     }
     std::unique_ptr<MCBSN_850::BSNCorrTask> task(const BSNSettings& s, int first, int count, unsigned long seed,
                                                  MCCommon_850::ProgressListener* listener = nullptr) {
-        MCBSN_850::BSNCorrTask::Inputs in;
-        in.pairs = &pairs;
-        in.correlations = &r;
-        in.ns = &n;
-        in.logSxxSyy = &logSxxSyy;
-        in.plotXAxis = &x;
-        MCBSN_850::BSNCorrTask::Outputs out;
-        out.bayesFactors = &bf;
-        out.isLogBayesFactor = &isLog;
-        out.logBayesFactors = &logBF;
-        out.modes = &mode;
-        out.means = &mean;
-        out.variances = &variance;
-        out.lowerBounds = &lower;
-        out.upperBounds = &upper;
-        out.plotLogLikelihood = &ll;
-        out.plotPrior = &prior;
-        out.plotPosterior = &post;
+        const MCBSN_850::BSNCorrTask::Inputs in{
+            .pairs = &pairs, .correlations = &r, .ns = &n, .logSxxSyy = &logSxxSyy, .plotXAxis = &x};
+        const MCBSN_850::BSNCorrTask::Outputs out{
+            .bayesFactors = &bf, .isLogBayesFactor = &isLog, .logBayesFactors = &logBF, .modes = &mode,
+            .means = &mean, .variances = &variance, .lowerBounds = &lower, .upperBounds = &upper,
+            .plotLogLikelihood = &ll, .plotPrior = &prior, .plotPosterior = &post};
         return std::make_unique<MCBSN_850::BSNCorrTask>(first, count, listener, s, cancel, seed, in, out);
     }
 
