@@ -1,11 +1,8 @@
-// The correlation procedure: what each analysis type fills, the plot axis
-// with one and many points, and data at the edges
-// (three cases, a hundred million through weights, |r| = 0.999999, constant
-// variables, a pair without cases) that must give numbers or the missing
-// value, never NaN or infinity.
-#include <cmath>
+// The correlation procedure: what each analysis type fills, the plot axis,
+// and data at the edges (three cases, n = 1e8 through weights, |r| near 1,
+// constant variables, a pair without cases) that must give numbers or the
+// missing value, never NaN or infinity.
 #include <tuple>
-#include <vector>
 
 #include "tests/correlation/corrtestsupport.h"
 
@@ -22,17 +19,15 @@ TEST(CorrelationDriver, AnalysisTypeDecidesWhatIsFilled) {
         ASSERT_TRUE(run.status.IsOK());
         const auto& o = run.out();
         const std::size_t factors = type == BC::Posterior ? 0 : 3, posterior = type == BC::BayesFactor ? 0 : 3;
-        EXPECT_EQ(o.GetBayesFactor().size(), factors);
-        EXPECT_EQ(o.GetLogBayesFactors().size(), factors);
         EXPECT_EQ(o.GetIsLogBayesFactor().size(), factors);
+        for (const auto* v : {&o.GetBayesFactor(), &o.GetLogBayesFactors()}) EXPECT_EQ(v->size(), factors);
         for (const auto* v : {&o.GetPosteriorMode(), &o.GetPosteriorMean(), &o.GetPosteriorVariance(),
                               &o.GetPosteriorLowerBound(), &o.GetPosteriorUpperBound()})
             EXPECT_EQ(v->size(), posterior);
         // Four points strictly inside (-1, 1); curves for the first two
         // pairs, filled by the posterior stage.
-        const std::vector<double> axis = {-0.6, -0.2, 0.2, 0.6};
         ASSERT_EQ(o.GetPlotXAxis().size(), 4u);
-        for (int i = 0; i < 4; ++i) EXPECT_NEAR(o.GetPlotXAxis()[i], axis[i], 1e-15);
+        for (int i = 0; i < 4; ++i) EXPECT_NEAR(o.GetPlotXAxis()[i], -0.6 + 0.4 * i, 1e-15);
         ASSERT_EQ(o.GetPlotPosterior().size(), 2u);
         EXPECT_EQ(o.GetPlotPosterior()[1].size(), posterior ? 4u : 0u);
         EXPECT_EQ(o.GetPlotLogLikelihood()[0].size(), posterior ? 4u : 0u);
@@ -53,7 +48,7 @@ TEST(CorrelationDriver, AnalysisTypeDecidesWhatIsFilled) {
 TEST(CorrelationDriver, EdgesGiveNumbersOrMissingNeverNaN) {
     // r = +-0.999999 exactly is not reachable with few records; these
     // columns have r within 1e-6 of +-1.
-    std::vector<double> x, nearly, against, shortx;
+    std::vector<double> x, nearly, against;
     for (int i = 0; i < 50; ++i) {
         x.push_back(i);
         nearly.push_back(i + 0.0141 * std::sin(7.3 * i));
@@ -83,24 +78,22 @@ TEST(CorrelationDriver, EdgesGiveNumbersOrMissingNeverNaN) {
         EXPECT_GT(o.GetPosteriorMean()[0], 0.9999);
         expectAllFinite(o);
 
-        BSNSettings w = s;
-        w.SetFrequencyWeightVar(2);
-        w.SetCovariates({0, 1});
-        CorrRun weighted(w, {x, nearly, huge});
-        ASSERT_TRUE(weighted.status.IsOK());
-        EXPECT_EQ(weighted.out().GetVarPairN()[0], 1e8);
-        EXPECT_FALSE(MCMV::IsMissing(weighted.out().GetLogBayesFactors()[0]));
-        EXPECT_FALSE(MCMV::IsMissing(weighted.out().GetPosteriorVariance()[0]));
-        expectAllFinite(weighted.out());
-
-        // Three cases: the smallest count with a correlation.
-        BSNSettings t = s;
-        t.SetCovariates({0, 1});
-        CorrRun three(t, {{1, 2, 3}, {1, 3, 2}});
-        ASSERT_TRUE(three.status.IsOK());
-        EXPECT_DOUBLE_EQ(three.out().GetPearsonCorrelation()[0], 0.5);
-        EXPECT_FALSE(MCMV::IsMissing(three.out().GetLogBayesFactors()[0]));
-        EXPECT_FALSE(MCMV::IsMissing(three.out().GetPosteriorMode()[0]));
-        expectAllFinite(three.out());
+        // n = 1e8 through weights; three cases, the fewest with a correlation (r = 0.5).
+        BSNSettings pair = s, weighted = s;
+        pair.SetCovariates({0, 1});
+        weighted.SetCovariates({0, 1});
+        weighted.SetFrequencyWeightVar(2);
+        using Cols = std::vector<std::vector<double>>;
+        for (const auto& [settings, cols, n] : std::vector<std::tuple<BSNSettings, Cols, double>>{
+                 {weighted, {x, nearly, huge}, 1e8}, {pair, {{1, 2, 3}, {1, 3, 2}}, 3}}) {
+            CorrRun small(settings, cols);
+            ASSERT_TRUE(small.status.IsOK());
+            const auto& so = small.out();
+            EXPECT_EQ(so.GetVarPairN()[0], n);
+            if (n == 3) EXPECT_DOUBLE_EQ(so.GetPearsonCorrelation()[0], 0.5);
+            for (double v : {so.GetLogBayesFactors()[0], so.GetPosteriorMode()[0], so.GetPosteriorVariance()[0]})
+                EXPECT_FALSE(MCMV::IsMissing(v)) << n;
+            expectAllFinite(so);
+        }
     }
 }
