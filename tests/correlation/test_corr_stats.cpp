@@ -1,9 +1,8 @@
 // The pair statistics of the correlation procedure: pair order, r and N
 // under pairwise and listwise deletion against R's cor() on the data
 // expanded by rounded weights (0, 0.49, 0.5, 1.5, 2.4 and missing), the
-// pass's warnings and errors, and the progress it reports.
-#include <cmath>
-#include <vector>
+// pass's warnings and errors, and its progress.
+#include <tuple>
 
 #include "tests/correlation/corrtestsupport.h"
 
@@ -20,8 +19,7 @@ std::vector<std::vector<double>> referenceColumns() {
     return cols;
 }
 
-class Reports : public MCCommon_850::ProgressListener {
-public:
+struct Reports : MCCommon_850::ProgressListener {
     void Notify(const MCCommon_850::ProgressReport& r) override {
         records.push_back(r.DiscreteMeasure("records"));
         pairs.push_back(r.DiscreteMeasure("pairs"));
@@ -103,24 +101,20 @@ TEST(CorrelationStats, WarningsOncePerAnalysisNamingTheFirstPair) {
 
 TEST(CorrelationStats, ErrorsAndCancellationInThePass) {
     const std::vector<double> x = {1, 2, 3}, y = {3, 1, 2};
-    CorrRun one(corrSettings({0}), {x, y});
-    EXPECT_EQ(one.status.GetCode(), 410004);
-    EXPECT_TRUE(one.status.IsError());
-    EXPECT_FALSE(one.procedure.IsModelBuilt());
-    EXPECT_EQ(one.procedure.GetOutputStats(), nullptr);
-
-    CorrRun empty(corrSettings({0, 1}), {{}, {}});
-    EXPECT_EQ(empty.status.GetCode(), 410003);
-    EXPECT_EQ(empty.procedure.GetOutputStats(), nullptr);
-
     MCCommon_850::MCAtomicCancel cancel;
     cancel.Cancel();
-    BSNSettings s = corrSettings({0, 1});
-    s.SetCancelPointer(&cancel);
-    CorrRun cancelled(s, {x, y});
-    EXPECT_EQ(cancelled.status.GetCode(), 1);
-    EXPECT_TRUE(cancelled.status.IsError());
-    EXPECT_EQ(cancelled.procedure.GetOutputStats(), nullptr);
+    BSNSettings cancelled = corrSettings({0, 1});
+    cancelled.SetCancelPointer(&cancel);
+    // One variable, no records, cancelled before the pass.
+    using Cols = std::vector<std::vector<double>>;
+    for (const auto& [s, cols, code] : std::vector<std::tuple<BSNSettings, Cols, int>>{
+             {corrSettings({0}), {x, y}, 410004}, {corrSettings({0, 1}), {{}, {}}, 410003}, {cancelled, {x, y}, 1}}) {
+        CorrRun run(s, cols);
+        EXPECT_EQ(run.status.GetCode(), code);
+        EXPECT_TRUE(run.status.IsError()) << code;
+        EXPECT_FALSE(run.procedure.IsModelBuilt()) << code;
+        EXPECT_EQ(run.procedure.GetOutputStats(), nullptr) << code;
+    }
 }
 
 TEST(CorrelationStats, ProgressCountsRecordsThenPairs) {
