@@ -2,24 +2,19 @@
 // shapes of the pair getters, plots of the first MaxNPlots pairs with their
 // annotations, the report, --threads and its precedence, and warnings
 // naming pairs.
-#include <gtest/gtest.h>
-
 #include <filesystem>
 #include <sstream>
-#include <string>
-#include <vector>
 
 #include <nlohmann/json.hpp>
 
-#include "bsn/correlation/bsnpearsoncorrelationoutputstats.h"
-#include "bsn/frame/bsncomponent.h"
 #include "cli/host.h"
 #include "cli/results.h"
-#include "platform/records/columnrecorditer.h"
 #include "tests/cli/svgcheck.h"
 #include "tests/cli/tempfiles.h"
+#include "tests/correlation/corrtestsupport.h"
 
 using json = nlohmann::json;
+using namespace corrtest;
 using bsntest::ByClass;
 using bsntest::ByName;
 using bsntest::Text;
@@ -106,26 +101,20 @@ TEST(CorrelationHost, ExampleTablesJsonPlotsAndReport) {
 TEST(CorrelationHost, PlotSetsCarryTheirAnnotations) {
     // A fractional factor against rho = 0.2 at a 90% level: the adapter's
     // plot sets hold the curves on the shared axis and every annotation.
-    MCBSN_850::BSNSettings s;
-    s.SetModelType(MCBSN_850::BSNConst::Correlation, true);
-    s.SetCovariates({0, 1, 2});
-    s.SetAnalysType(MCBSN_850::BSNConst::Both);
-    s.SetEstBFType(MCBSN_850::BSNConst::Fraction);
+    BSNSettings s = corrSettings({0, 1, 2});
+    s.SetEstBFType(BC::Fraction);
     s.SetNullValue(0.2);
     s.SetMCSamples(500);
     s.SetMaxNPlots(2);
     s.SetCILevel(90);
-    const std::vector<std::vector<double>> cols = {{30, 41, 52, 38, 60, 45}, {40, 55, 61, 47, 70, 52},
-                                                   {22, 27, 24, 30, 26, 25}};
-    MCCommon_850::ColumnRecordIter iter(cols);
+    CorrRun corr(s, {{30, 41, 52, 38, 60, 45}, {40, 55, 61, 47, 70, 52}, {22, 27, 24, 30, 26, 25}});
+    ASSERT_TRUE(corr.status.IsOK());
     bsncli::DataInfo data;
     data.columns = {"age", "income", "bmi"};
-    MCBSN_850::BSNComponent component(s, data.varList);
-    ASSERT_TRUE(component.BuildModel(iter).IsOK());
     bsncli::ResultView view;
-    ASSERT_TRUE(bsncli::DescribeResult(*component.GetOutputStats(), data, view));
+    ASSERT_TRUE(bsncli::DescribeResult(corr.out(), data, view));
     ASSERT_EQ(view.plots.size(), 2u);
-    const auto* o = dynamic_cast<const MCBSN_850::BSNPearsonCorrelationOutputStats*>(component.GetOutputStats());
+    const auto* o = &corr.out();
     for (std::size_t i = 0; i < 2; ++i) {
         const bsncli::PlotSet& p = view.plots[i];
         EXPECT_EQ(p.variable, i == 0 ? "age with income" : "age with bmi");
