@@ -17,26 +17,22 @@ using MCBSN_850::BSN2SampleContStats;
 using MCBSN_850::BSN2SampleIndBasicStats;
 
 TEST(IndependentStats, AccumulatorWeightsMeanByBothWeightsAndVarianceByFrequencies) {
-    // Weighted: the mean is weighted by f w, the divisor is sum(f) - 1.
+    // The mean is weighted by f c; the variance's divisor is sum(f) - 1.
     BSN2SampleContStats w;
-    const std::vector<double> wx = {2.0, 5.0, 9.0}, f = {2.0, 1.0, 3.0}, c = {0.5, 4.0, 1.5};
-    double sc = 0, scx = 0;
-    for (std::size_t i = 0; i < wx.size(); ++i) {
-        EXPECT_TRUE(w.Update(wx[i], f[i], c[i]));
-        sc += f[i] * c[i];
-        scx += f[i] * c[i] * wx[i];
+    const std::vector<double> x = {2.0, 5.0, 9.0}, f = {2.0, 1.0, 3.0}, c = {0.5, 4.0, 1.5};
+    std::vector<double> fc;
+    for (std::size_t i = 0; i < x.size(); ++i) {
+        EXPECT_TRUE(w.Update(x[i], f[i], c[i]));
+        fc.push_back(f[i] * c[i]);
     }
-    const double mean = scx / sc;
-    double d = 0;
-    for (std::size_t i = 0; i < wx.size(); ++i) d += f[i] * c[i] * (wx[i] - mean) * (wx[i] - mean);
-    EXPECT_EQ(w.GetSumFreqWeights(), 6.0);
-    EXPECT_DOUBLE_EQ(w.GetSumCombinedWeights(), sc);
-    EXPECT_NEAR(w.GetMean(), mean, 1e-14);
-    EXPECT_NEAR(w.GetVariance(), d / 5.0, 1e-13);
+    const Moments m = moments(x, fc);
     EXPECT_FALSE(w.Update(kMiss, 1.0, 1.0));
     EXPECT_FALSE(w.Update(1.0, 1.0, 0.0));
     EXPECT_FALSE(w.Update(1.0, 0.0, 1.0));
     EXPECT_EQ(w.GetSumFreqWeights(), 6.0);
+    EXPECT_DOUBLE_EQ(w.GetSumCombinedWeights(), m.n);
+    EXPECT_NEAR(w.GetMean(), m.mean, 1e-14);
+    EXPECT_NEAR(w.GetVariance(), m.var * (m.n - 1) / 5.0, 1e-13);
 
     // One case: mean but no variance; none: neither.
     BSN2SampleContStats one;
@@ -81,16 +77,16 @@ TEST(IndependentStats, GroupCodingAndWeightsThroughTheProcedure) {
 
     struct Case {
         const char* what;
-        int freq, regr;
+        int freq, regr, n0;                  // n0: the first group's (frequency) count
         std::vector<double> x0, w0, x1, w1;  // the cases each group should hold, with weights
     };
     const std::vector<Case> cases = {
-        {"unweighted", -1, -1, {1, 3, 9, 11}, {1, 1, 1, 1}, {2, 4, 10, 12}, {1, 1, 1, 1}},
+        {"unweighted", -1, -1, 4, {1, 3, 9, 11}, {1, 1, 1, 1}, {2, 4, 10, 12}, {1, 1, 1, 1}},
         // 0.4 rounds to 0 and -1 is not positive: those cases are dropped.
-        {"frequency", 2, -1, {1, 3, 11}, {1, 3, 2}, {2, 4, 10}, {2, 1, 1}},
+        {"frequency", 2, -1, 6, {1, 3, 11}, {1, 3, 2}, {2, 4, 10}, {2, 1, 1}},
         // The case weight is read at the frequency field, so each case
         // weighs f * f_raw in the mean.
-        {"frequency and case weights", 2, 3, {1, 3, 11}, {1, 9, 3.2}, {2, 4, 10}, {4, 1, 1}},
+        {"frequency and case weights", 2, 3, 6, {1, 3, 11}, {1, 9, 3.2}, {2, 4, 10}, {4, 1, 1}},
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(c.what);
@@ -99,20 +95,9 @@ TEST(IndependentStats, GroupCodingAndWeightsThroughTheProcedure) {
         if (c.regr >= 0) s.SetRegrWeightVar(c.regr);
         NormalRun r(s, {x, g, f, rw});
         ASSERT_TRUE(r.status.IsOK()) << r.status.GetCode();
-        const auto& o = output(r);
-        auto weightedMean = [](const std::vector<double>& v, const std::vector<double>& w) {
-            double sw = 0, swx = 0;
-            for (std::size_t i = 0; i < v.size(); ++i) {
-                sw += w[i];
-                swx += w[i] * v[i];
-            }
-            return swx / sw;
-        };
-        EXPECT_NEAR(o.GetGroup1MeanValues()[0], weightedMean(c.x0, c.w0), 1e-13);
-        EXPECT_NEAR(o.GetGroup2MeanValues()[0], weightedMean(c.x1, c.w1), 1e-13);
-        const int n0 = c.what == std::string("frequency and case weights") ? 6 : static_cast<int>(
-            std::lround(c.freq < 0 ? c.w0.size() : c.w0[0] + c.w0[1] + c.w0[2]));
-        EXPECT_EQ(o.GetGroup1StatsNs()[0], n0);
+        EXPECT_NEAR(output(r).GetGroup1MeanValues()[0], moments(c.x0, c.w0).mean, 1e-13);
+        EXPECT_NEAR(output(r).GetGroup2MeanValues()[0], moments(c.x1, c.w1).mean, 1e-13);
+        EXPECT_EQ(output(r).GetGroup1StatsNs()[0], c.n0);
     }
 
     // A regression-weight field alone: the weight is read at the (absent)
@@ -128,9 +113,7 @@ TEST(IndependentStats, GroupCodingAndWeightsThroughTheProcedure) {
 TEST(IndependentStats, MessagesOfTheDataPass) {
     const std::vector<double> x = {1, 2, 3, 4, 5}, g = {0, 1, 0, 1, 0};
     {
-        BSNSettings none;
-        none.SetModelType(BC::Independent, true);
-        none.SetCovariates({0});
+        BSNSettings none = indepSettings({0}, -1);
         NormalRun r(none, {x, g});
         EXPECT_EQ(r.status.GetCode(), 410040);
         EXPECT_TRUE(r.status.IsError());
