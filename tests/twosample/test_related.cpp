@@ -1,12 +1,6 @@
-// The related-samples procedure through the component: difference
-// statistics over the cases where both members of a pair are present, the
-// t test on the differences, the wiring of the shared Bayes factor and
+// The related-samples procedure: difference statistics over the complete
+// pairs, the t test on them, the wiring of the shared Bayes factor and
 // posterior, and its own messages.
-#include <gtest/gtest.h>
-
-#include <cmath>
-#include <vector>
-
 #include "bsn/twosample/bsn2samplerelatedoutputstats.h"
 #include "tests/onesample/normaltestsupport.h"
 
@@ -69,10 +63,9 @@ TEST(Related, DifferenceStatisticsTTestAndPosterior) {
     EXPECT_TRUE(r.component.GetWarningMessages().IsEmpty());
     const auto& o = output(r);
 
-    // The statistics of the differences decide everything the shared
-    // normal-mean code computes from them; the lower limit shows they reach
-    // the posterior (Jeffreys 2: t with N - 1 df around the mean, scale^2
-    // s^2/N).
+    // The differences' statistics decide all the shared normal-mean code
+    // computes; the lower limit shows they reach the posterior (Jeffreys 2:
+    // t with N - 1 df around the mean, scale^2 s^2/N).
     for (int p = 0; p < 2; ++p) {
         SCOPED_TRACE(p);
         std::vector<double> d, dw;
@@ -144,15 +137,12 @@ TEST(Related, ListErrorsNoRecordsAndCancellation) {
         BSNSettings s = relatedSettings({0, 1, 2}, {1, 2, 0}, BC::Both);
         s.SetCovariates({0, 1});
         CountingIter iter(cols);
-        MCBSN_850::BSNComponent c(s, makeVarList(3));
-        EXPECT_TRUE(c.BuildModel(iter).IsError());
-        EXPECT_EQ(c.GetStatus().GetCode(), 410019);
-        EXPECT_EQ(iter.advances, 0);
-        EXPECT_EQ(c.GetOutputStats(), nullptr);
-
-        BSNSettings empty = relatedSettings({}, {}, BC::Both);
-        MCBSN_850::BSNComponent e(empty, makeVarList(3));
-        EXPECT_EQ(e.BuildModel(iter).GetCode(), 410019);
+        for (const BSNSettings& bad : {s, relatedSettings({}, {}, BC::Both)}) {
+            MCBSN_850::BSNComponent c(bad, makeVarList(3));
+            EXPECT_TRUE(c.BuildModel(iter).IsError());
+            EXPECT_EQ(c.GetStatus().GetCode(), 410019);
+            EXPECT_EQ(c.GetOutputStats(), nullptr);
+        }
         EXPECT_EQ(iter.advances, 0);
     }
     {
@@ -180,8 +170,7 @@ TEST(Related, ListErrorsNoRecordsAndCancellation) {
         s.SetProgressFrequency(frequency);
         s.SetAlterGValues({1.0});
         NormalRun r(s, cols);
-        EXPECT_TRUE(r.status.IsError());
-        EXPECT_EQ(r.status.GetCode(), 1);
+        EXPECT_TRUE(r.status.IsError() && r.status.GetCode() == 1);
         EXPECT_EQ(r.component.GetOutputStats(), nullptr);
         EXPECT_EQ(listener.records, std::vector<int>{frequency == 1 ? 1 : 4});
     }
