@@ -1,33 +1,44 @@
 #include <gtest/gtest.h>
 
+#include <functional>
+
 #include "bsn/frame/bsnsettings.h"
 
 using namespace MCBSN_850;
 using MCCommon_850::MCMV;
 using MCCommon_850::MCStatus;
+using S = BSNSettings;
 
 namespace {
 
 BSNSettings binomial(int nFactors, BSNConst::AnalysTypes type) {
     BSNSettings s;
     s.SetTestDistType(BSNConst::Binomial);
-    std::vector<int> factors, sizes;
-    for (int i = 0; i < nFactors; ++i) {
-        factors.push_back(10 + i);
-        sizes.push_back(2);
-    }
+    std::vector<int> factors;
+    for (int i = 0; i < nFactors; ++i) factors.push_back(10 + i);
     s.SetFactors(factors);
-    s.SetFactorNCategs(sizes);
+    s.SetFactorNCategs(std::vector<int>(nFactors, 2));
     s.SetAnalysType(type);
     return s;
 }
 
-// An error with this code (and datum 0), or no error at all for code 0.
+// An error with this code (and datum 0 when given), or no error at all for code 0.
 void expectError(const MCStatus& st, int code, int datum = -1) {
     EXPECT_EQ(st.IsError(), code != 0) << "code " << st.GetCode();
     EXPECT_EQ(st.GetCode(), code);
-    if (datum >= 0) {
-        EXPECT_EQ(st.GetDiscreteDatum(0), datum);
+    if (datum >= 0) EXPECT_EQ(st.GetDiscreteDatum(0), datum);
+}
+
+// Applies each change in turn to the one settings record and validates after it.
+struct Step {
+    std::function<void(BSNSettings&)> change;
+    int code, datum = -1;
+};
+void walk(BSNSettings& s, std::initializer_list<Step> steps) {
+    for (const Step& step : steps) {
+        SCOPED_TRACE(testing::Message() << "step " << (&step - steps.begin()));
+        step.change(s);
+        expectError(s.IsValidSettings(), step.code, step.datum);
     }
 }
 
@@ -38,12 +49,9 @@ TEST(Validation, BinomialAndPoissonPriorLists) {
     EXPECT_TRUE(post.IsValidSettings().IsOK());
     EXPECT_EQ(post.GetNullPrior1s(), (std::vector<double>{2.0, 2.0, 2.0}));
     EXPECT_EQ(post.GetNullPrior2s(), (std::vector<double>{2.0, 2.0, 2.0}));
-    BSNSettings noFactors;
-    noFactors.SetTestDistType(BSNConst::Binomial);
-    expectError(noFactors.IsValidSettings(), 410031);
-    BSNSettings noCovariates;
-    noCovariates.SetTestDistType(BSNConst::Poisson);
-    expectError(noCovariates.IsValidSettings(), 410039);
+    BSNSettings noFactors, noCovariates;
+    walk(noFactors, {{[](S& s) { s.SetTestDistType(BSNConst::Binomial); }, 410031}});
+    walk(noCovariates, {{[](S& s) { s.SetTestDistType(BSNConst::Poisson); }, 410039}});
 
     // Three test variables 10, 11, 12 asking for a Bayes factor. A short
     // alternative list names the variable index of the first entry without
@@ -78,92 +86,62 @@ TEST(Validation, BinomialAndPoissonPriorLists) {
 }
 
 TEST(Validation, NormalRelatedAndIndependent) {
-    BSNSettings normal;
-    expectError(normal.IsValidSettings(), 410039);
-    normal.SetCovariates({0});
-    EXPECT_TRUE(normal.IsValidSettings().IsOK());
-
-    BSNSettings related;
+    BSNSettings normal, related, ind;
+    walk(normal, {{[](S&) {}, 410039}, {[](S& s) { s.SetCovariates({0}); }, 0}});
     related.SetModelType(BSNConst::Related, true);
-    related.SetCovariates({0, 1});
-    expectError(related.IsValidSettings(), 410039);
-    related.Set2ndRelatedList({2, 3});
-    EXPECT_TRUE(related.IsValidSettings().IsOK());
-
-    BSNSettings ind;
+    walk(related, {{[](S& s) { s.SetCovariates({0, 1}); }, 410039}, {[](S& s) { s.Set2ndRelatedList({2, 3}); }, 0}});
     ind.SetModelType(BSNConst::Independent, true);
-    ind.SetCovariates({0});
-    expectError(ind.IsValidSettings(), 410040);
-    ind.SetMeanDistType(BSNConst::Normal);
-    expectError(ind.IsValidSettings(), 410019);
-    for (auto set : {&BSNSettings::SetMeanDistParam1, &BSNSettings::SetMeanDistParam2, &BSNSettings::SetMeanDistParam3,
-                     &BSNSettings::SetMeanDistParam4})
-        (ind.*set)(1.0);
-    expectError(ind.IsValidSettings(), 410002);
-    ind.SetDataVarVals({1.0, 0.0});
-    expectError(ind.IsValidSettings(), 410002);
-    ind.SetDataVarVals({1.0, 2.0});
-    expectError(ind.IsValidSettings(), 410040);
-    ind.SetGroupVar(3);
-    EXPECT_TRUE(ind.IsValidSettings().IsOK());
-    // Only the Bayes factor: the mean-distribution parameters are not
-    // needed, but with unknown variances the variance prior's are.
-    ind.SetAnalysType(BSNConst::BayesFactor);
-    ind.SetDataVarVals({});
-    ind.SetMeanDistParam1(MCMV::Missing());
-    EXPECT_TRUE(ind.IsValidSettings().IsOK());
-    ind.SetPriorDistType(BSNConst::InverseChiSquare);
-    expectError(ind.IsValidSettings(), 410019);
+    walk(ind, {
+        {[](S& s) { s.SetCovariates({0}); }, 410040},
+        {[](S& s) { s.SetMeanDistType(BSNConst::Normal); }, 410019},
+        {[](S& s) { s.SetMeanDistParam1(1); s.SetMeanDistParam2(1); s.SetMeanDistParam3(1); s.SetMeanDistParam4(1); },
+         410002},
+        {[](S& s) { s.SetDataVarVals({1.0, 0.0}); }, 410002},
+        {[](S& s) { s.SetDataVarVals({1.0, 2.0}); }, 410040},
+        {[](S& s) { s.SetGroupVar(3); }, 0},
+        // Only the Bayes factor: the mean-distribution parameters are not
+        // needed, but with unknown variances the variance prior's are.
+        {[](S& s) {
+             s.SetAnalysType(BSNConst::BayesFactor);
+             s.SetDataVarVals({});
+             s.SetMeanDistParam1(MCMV::Missing());
+         },
+         0},
+        {[](S& s) { s.SetPriorDistType(BSNConst::InverseChiSquare); }, 410019},
+    });
 }
 
 TEST(Validation, CorrelationLimits) {
     BSNSettings s;
     s.SetModelType(BSNConst::Correlation, true);
-    s.SetCovariates({0});
-    expectError(s.IsValidSettings(), 410004);
-    s.SetCovariates({0, 1});
-    s.SetMaxNPlots(51);
-    expectError(s.IsValidSettings(), 410019, 51);
-    s.SetMaxNPlots(50);
-    s.SetNullValue(1.0);
-    expectError(s.IsValidSettings(), 410019);
+    walk(s, {{[](S& s) { s.SetCovariates({0}); }, 410004},
+             {[](S& s) { s.SetCovariates({0, 1}); s.SetMaxNPlots(51); }, 410019, 51},
+             {[](S& s) { s.SetMaxNPlots(50); s.SetNullValue(1.0); }, 410019}});
     EXPECT_EQ(s.IsValidSettings().GetScaleDatum(0), 1.0);
-    s.SetNullValue(-0.99);
-    EXPECT_TRUE(s.IsValidSettings().IsOK());
+    walk(s, {{[](S& s) { s.SetNullValue(-0.99); }, 0}});
 }
 
 TEST(Validation, RegressionAndAnova) {
     BSNSettings r;
     r.SetModelType(BSNConst::Regression, true);
-    expectError(r.IsValidSettings(), 410034);
-    r.SetDependVar(0);
-    expectError(r.IsValidSettings(), 410035);
-    r.SetCovariates({1, 2});
-    r.SetFactors({3});
-    r.SetFactorNCategs({4});
-    r.SetAnalysType(BSNConst::Both);
-    r.SetCompareType(BSNConst::CompareFull);
-    r.SetFullModCovariates({1, 2, 5});
-    expectError(r.IsValidSettings(), 410015);
-    r.SetFullModFactors({3});
-    r.SetFullModFactorNCategs({4});
-    EXPECT_TRUE(r.IsValidSettings().IsOK());  // reference prior: no prior parameters needed
-    r.SetPriorType(BSNConst::Conjugate);
-    expectError(r.IsValidSettings(), 410019);
-    r.SetPriorShape(1);
-    r.SetPriorScale(1);
-    r.SetPriorMeans(std::vector<double>(6, 0.0));
-    expectError(r.IsValidSettings(), 410020);
-    r.SetPriorMeans(std::vector<double>(7, 0.0));  // intercept + 2 covariates + 4 categories
-    EXPECT_TRUE(r.IsValidSettings().IsOK());
-    r.SetPlotFactors({9});
-    expectError(r.IsValidSettings(), 410032);
-    r.SetPlotFactors({3});
-    r.SetPlotCovars({3});
-    expectError(r.IsValidSettings(), 410033);
-    r.SetPlotCovars({2});
-    r.SetRegressors({1.0, 2.0});
-    EXPECT_TRUE(r.IsValidSettings().IsOK());
+    walk(r, {
+        {[](S&) {}, 410034},
+        {[](S& s) { s.SetDependVar(0); }, 410035},
+        {[](S& s) {
+             s.SetCovariates({1, 2}); s.SetFactors({3}); s.SetFactorNCategs({4}); s.SetAnalysType(BSNConst::Both);
+             s.SetCompareType(BSNConst::CompareFull); s.SetFullModCovariates({1, 2, 5});
+         },
+         410015},
+        // The reference prior needs no prior parameters.
+        {[](S& s) { s.SetFullModFactors({3}); s.SetFullModFactorNCategs({4}); }, 0},
+        {[](S& s) { s.SetPriorType(BSNConst::Conjugate); }, 410019},
+        {[](S& s) { s.SetPriorShape(1); s.SetPriorScale(1); s.SetPriorMeans(std::vector<double>(6, 0.0)); }, 410020},
+        // Intercept + 2 covariates + 4 categories.
+        {[](S& s) { s.SetPriorMeans(std::vector<double>(7, 0.0)); }, 0},
+        {[](S& s) { s.SetPlotFactors({9}); }, 410032},
+        {[](S& s) { s.SetPlotFactors({3}); s.SetPlotCovars({3}); }, 410033},
+        {[](S& s) { s.SetPlotCovars({2}); s.SetRegressors({1.0, 2.0}); }, 0},
+    });
     EXPECT_TRUE(r.GetRegressors().empty());
     ASSERT_EQ(r.GetWarningMessages().Size(), 1u);
     EXPECT_EQ(r.GetWarningMessages().Get(0).GetCode(), 410022);
@@ -171,34 +149,25 @@ TEST(Validation, RegressionAndAnova) {
 
     BSNSettings a;
     a.SetModelType(BSNConst::Anova, true);
-    a.SetDependVar(0);
-    expectError(a.IsValidSettings(), 410035);
-    a.SetFactors({1});
-    a.SetFactorNCategs({3});
-    EXPECT_TRUE(a.IsValidSettings().IsOK());
-    a.SetPlotFactorCats({0, 3});
-    expectError(a.IsValidSettings(), 410032, 3);
-    a.SetPlotFactorCats({2});
-    a.SetPriorType(BSNConst::Conjugate);
-    a.SetPriorShape(2);
-    a.SetPriorScale(2);
-    a.SetPriorMeans({0, 0});
-    expectError(a.IsValidSettings(), 410020);
-    a.SetPriorMeans({0, 0, 0});
-    EXPECT_TRUE(a.IsValidSettings().IsOK());
+    walk(a, {
+        {[](S& s) { s.SetDependVar(0); }, 410035},
+        {[](S& s) { s.SetFactors({1}); s.SetFactorNCategs({3}); }, 0},
+        {[](S& s) { s.SetPlotFactorCats({0, 3}); }, 410032, 3},
+        {[](S& s) {
+             s.SetPlotFactorCats({2}); s.SetPriorType(BSNConst::Conjugate); s.SetPriorShape(2); s.SetPriorScale(2);
+             s.SetPriorMeans({0, 0});
+         },
+         410020},
+        {[](S& s) { s.SetPriorMeans({0, 0, 0}); }, 0},
+    });
 }
 
 TEST(Validation, LogLinearAndUnknownTypes) {
-    BSNSettings s;
+    BSNSettings s, other;
     s.SetModelType(BSNConst::LogLinear, true);
-    s.SetFactors({2, 2});
-    expectError(s.IsValidSettings(), 410049, 2);
-    s.SetFactors({2});
-    expectError(s.IsValidSettings(), 410049, 1);
-    s.SetFactors({2, 3});
-    EXPECT_TRUE(s.IsValidSettings().IsOK());
-
-    BSNSettings other;
+    walk(s, {{[](S& s) { s.SetFactors({2, 2}); }, 410049, 2},
+             {[](S& s) { s.SetFactors({2}); }, 410049, 1},
+             {[](S& s) { s.SetFactors({2, 3}); }, 0}});
     other.SetModelType(static_cast<BSNConst::ModelTypes>(7), false);
     EXPECT_TRUE(other.IsValidSettings().IsOK());
 }
@@ -206,13 +175,11 @@ TEST(Validation, LogLinearAndUnknownTypes) {
 // The JSON reader checks the correlation and independent-samples
 // adjustments; here the adjust flag and the way back to one sample.
 TEST(Settings, ModelTypeAdjustsDependentDefaults) {
-    BSNSettings noAdjust;
+    BSNSettings noAdjust, regr;
     noAdjust.SetModelType(BSNConst::Regression, false);
     EXPECT_EQ(noAdjust.GetModelType(), BSNConst::Regression);
     EXPECT_EQ(noAdjust.GetMissScope(), BSNConst::MissingAnalysis);
     EXPECT_EQ(noAdjust.GetPriorType(), BSNConst::Conjugate);
-
-    BSNSettings regr;
     regr.SetModelType(BSNConst::Regression, true);
     EXPECT_EQ(regr.GetMissScope(), BSNConst::MissingListwise);
     EXPECT_EQ(regr.GetPriorType(), BSNConst::Reference);
@@ -224,7 +191,7 @@ TEST(Settings, ModelTypeAdjustsDependentDefaults) {
 // What the JSON reader's refusal test does not reach: variable setters that
 // refuse -1, and the default parameter of each Bayes-factor method.
 TEST(Settings, SetterRulesRefuseBadValues) {
-    BSNSettings s;
+    BSNSettings s, rouder, zellner;
     EXPECT_FALSE(s.SetDependVar(-1));
     EXPECT_EQ(s.GetDependentVar(), -1);
     EXPECT_TRUE(s.SetDependVar(0));
@@ -233,11 +200,8 @@ TEST(Settings, SetterRulesRefuseBadValues) {
     EXPECT_FALSE(s.SetRegrWeightVar(-1));
     s.SetSecondGonenPar(-1.0);
     EXPECT_TRUE(MCMV::IsMissing(s.GetSecondGonenPar()));
-
-    BSNSettings rouder, zellner;
     rouder.SetRegrCompType(BSNConst::Rouder);
     EXPECT_EQ(rouder.GetRegrComPar(), 1.0);
     zellner.SetRegrCompType(BSNConst::Zellner);
     EXPECT_TRUE(MCMV::IsMissing(zellner.GetRegrComPar()));
 }
-
