@@ -45,9 +45,6 @@ private:
     FinalReport m_rule;
 };
 
-using CountingListener = bsntest::RecordCounts;
-using bsntest::CancelAfter;
-
 // Yields a null record at the given rows (0-based), as a source with gaps may.
 class GappyIter : public MCCommon_850::ColumnRecordIter {
 public:
@@ -76,7 +73,7 @@ TEST(Frame, FrequencyWeightsRoundHalfUp) {
 
     // One pass: weights 0 are counted in the progress but not used; a null
     // record (the last) is neither.
-    CountingListener listener;
+    bsntest::RecordCounts listener;
     BSNSettings s;
     s.SetProgressListener(&listener);
     s.SetProgressFrequency(3);
@@ -98,7 +95,7 @@ TEST(Frame, WarningsCollectedInOrderAndErrorEndsBuild) {
     w2.SetDiscreteDatum(0, 4);
     ScriptedProcedure p(BSNSettings(), {w1, w2, err, w3});
     EXPECT_EQ(p.BuildModel(iter).GetCode(), 410019);
-    EXPECT_TRUE(p.GetStatus().IsError());
+    EXPECT_EQ(p.GetStatus().GetCode(), 410019);
     EXPECT_FALSE(p.IsModelBuilt());
     EXPECT_EQ(p.stagesRun, 3);  // the stage after the error never ran
     ASSERT_EQ(p.GetWarningMessages().Size(), 2u);
@@ -108,8 +105,7 @@ TEST(Frame, WarningsCollectedInOrderAndErrorEndsBuild) {
 
     // Warnings alone leave the status clear and the model built.
     ScriptedProcedure ok(BSNSettings(), {w1, w3});
-    EXPECT_TRUE(ok.BuildModel(iter).IsOK());
-    EXPECT_TRUE(ok.GetStatus().IsOK());
+    EXPECT_TRUE(ok.BuildModel(iter).IsOK() && ok.GetStatus().IsOK());
     EXPECT_TRUE(ok.IsModelBuilt());
     EXPECT_EQ(ok.GetWarningMessages().Size(), 2u);
 }
@@ -125,7 +121,7 @@ TEST(Frame, ProgressReportsEveryFrequencyAndAtTheEnd) {
     // was just reported; under IfPending only when something is new.
     for (const Case& c : {Case{7, Rule::Always, {3, 6, 7}}, Case{6, Rule::Always, {3, 6, 6}},
                           Case{6, Rule::IfPending, {3, 6}}, Case{7, Rule::IfPending, {3, 6, 7}}}) {
-        CountingListener listener;
+        bsntest::RecordCounts listener;
         BSNSettings s;
         s.SetProgressListener(&listener);
         s.SetProgressFrequency(3);
@@ -138,15 +134,14 @@ TEST(Frame, ProgressReportsEveryFrequencyAndAtTheEnd) {
 }
 
 TEST(Frame, CancellationInsideAPassGivesCodeOne) {
-    CancelAfter cancel(3);
+    bsntest::CancelAfter cancel(3);
     BSNSettings s;
     s.SetCancelPointer(&cancel);
     std::vector<std::vector<double>> cols{{1, 2, 3, 4, 5, 6}};
     MCCommon_850::ColumnRecordIter iter(cols);
     ScriptedProcedure p(s, {MCStatus(410041, true)});
     const MCStatus st = p.BuildModel(iter);
-    EXPECT_TRUE(st.IsError());
-    EXPECT_EQ(st.GetCode(), 1);
+    EXPECT_TRUE(st.IsError() && st.GetCode() == 1) << st.GetCode();
     EXPECT_EQ(p.used, 3);
     EXPECT_EQ(p.stagesRun, 0);
     EXPECT_FALSE(p.IsModelBuilt());
@@ -173,5 +168,5 @@ TEST(Frame, ComponentWithoutProcedureIsInert) {
     EXPECT_TRUE(c.GetWarningMessages().IsEmpty());
     std::ostringstream os;
     c.Display(os);
-    EXPECT_TRUE(os.str().empty());
+    EXPECT_EQ(os.str(), "");
 }
