@@ -54,10 +54,7 @@ struct ComponentRun {
         for (const auto& w : component.GetWarningMessages()) codes.push_back(w.GetCode());
         return codes;
     }
-    int Count(int code) const {
-        const auto c = WarningCodes();
-        return static_cast<int>(std::count(c.begin(), c.end(), code));
-    }
+    int Count(int code) const { return static_cast<int>(std::ranges::count(WarningCodes(), code)); }
     const MCCommon_850::MCStatus* Warning(int code) const {
         for (const auto& w : component.GetWarningMessages())
             if (w.GetCode() == code) return &w;
