@@ -1,10 +1,7 @@
 #pragma once
-// Shared pieces of the normal-mean procedure tests: running a component on
-// in-memory columns, a cancelling progress listener, and reference
-// computations (weighted moments straight from the data, the posterior of a
-// mean by brute-force integration of likelihood x prior on a grid). A test
-// file takes everything with `using namespace normaltest;`, the short names
-// BC (settings enumerations) and bm (Boost.Math) included.
+// Shared pieces of the normal-mean procedure tests: the component runner, a
+// cancelling progress listener, and reference computations (weighted moments
+// from the data, a mean's posterior by brute-force integration on a grid).
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -27,11 +24,22 @@ inline const double kMiss = MCMV::Missing();
 
 inline MCXML_850::MCVarList makeVarList(int n) { return bsntest::ScaleVars(static_cast<std::size_t>(n)); }
 
+// One-sample normal settings for the test variables `vars`.
+inline BSNSettings oneSampleNormal(std::vector<int> vars, BC::AnalysTypes type, BC::DistTypes meanPrior = BC::Diffuse,
+                                   BC::DistTypes varPrior = BC::Jeffreys2) {
+    BSNSettings s;
+    s.SetModelType(BC::OneSample, false);
+    s.SetTestDistType(BC::Normal);
+    s.SetAnalysType(type);
+    s.SetCovariates(std::move(vars));
+    s.SetMeanDistType(meanPrior);
+    s.SetPriorDistType(varPrior);
+    return s;
+}
+
 // The shared runner under the names these tests use.
 struct NormalRun : bsntest::ComponentRun {
     using ComponentRun::ComponentRun;
-    template <class Out>
-    const Out* out() const { return As<Out>(); }
     template <class Out>
     const Out& result() const { return Result<Out>(); }
     std::vector<int> warningCodes() const { return WarningCodes(); }

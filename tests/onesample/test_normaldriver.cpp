@@ -1,8 +1,5 @@
-// The one-sample normal procedure end to end through the component: the
-// data pass (weights, per-variable missing values, progress), the
-// classical statistics and their warnings, the stages chosen by the
-// analysis type, cancellation and the result object; and the small helpers
-// of BSN1SampleNormalUtils it shares with the related-samples procedure.
+// The one-sample normal procedure end to end through the component, and the
+// small helpers of BSN1SampleNormalUtils it shares with related samples.
 #include <gtest/gtest.h>
 
 #include <cmath>
@@ -20,17 +17,6 @@ using MCBSN_850::BSN1SampleNormOutputStats;
 
 namespace {
 
-BSNSettings normalSettings(std::vector<int> vars, BC::AnalysTypes type) {
-    BSNSettings s;
-    s.SetModelType(BC::OneSample, false);
-    s.SetTestDistType(BC::Normal);
-    s.SetAnalysType(type);
-    s.SetCovariates(vars);
-    s.SetMeanDistType(BC::Diffuse);
-    s.SetPriorDistType(BC::Jeffreys2);
-    return s;
-}
-
 const BSN1SampleNormOutputStats& output(const NormalRun& r) { return r.result<BSN1SampleNormOutputStats>(); }
 
 } // namespace
@@ -43,7 +29,7 @@ TEST(NormalDriver, WeightsAndMissingValuesPerVariable) {
     const std::vector<double> w = {2.4, 2.5, 0.49, -3.0, kMiss, 1.0, 1.0};
     const std::vector<double> a = {1.0, 5.0, 100.0, 200.0, 300.0, std::nan(""), 7.25};
     const std::vector<double> b = {kMiss, 10.0, 12.5, kMiss, 9.0, 11.0, HUGE_VAL};
-    BSNSettings s = normalSettings({2, 1}, BC::Posterior);
+    BSNSettings s = oneSampleNormal({2, 1}, BC::Posterior);
     s.SetFrequencyWeightVar(0);
     s.SetMissScope(BC::MissingListwise);
     NormalRun r(s, {w, a, b});
@@ -64,11 +50,17 @@ TEST(NormalDriver, WeightsAndMissingValuesPerVariable) {
     EXPECT_TRUE(r.component.GetWarningMessages().IsEmpty());
 }
 
-TEST(NormalDriver, ConstantAndTooSmallVariables) {
-    BSNSettings s = normalSettings({0, 1, 2, 3}, BC::Both);
+TEST(NormalDriver, ConstantAndTooSmallVariablesAndTheWiredTTest) {
+    // v0: mean 3 against null value 3, t = 0, so the Simple factor is
+    // sqrt(1 + N g). v1 constant, v2 one case, v3 none. v4: the textbook
+    // one-sample t.
+    const std::vector<double> y = {2.2, 3.9, 3.1, 5.6, 4.4};
+    BSNSettings s = oneSampleNormal({0, 1, 2, 3, 4}, BC::Both);
     s.SetEstBFType(BC::Simple);
-    s.SetAlterGValues({1.0, 1.0, 1.0, 1.0});
-    NormalRun r(s, {{1.0, 2.0, 4.0, 3.5}, {2.5, 2.5, kMiss, 2.5}, {kMiss, 6.0, kMiss, kMiss}, {kMiss, kMiss, kMiss, kMiss}});
+    s.SetNullValues({3.0, 0.0, 0.0, 0.0, 2.5});
+    s.SetAlterGValues({2.0, 1.0, 1.0, 1.0, 0.5});
+    NormalRun r(s, {{1.0, 2.0, 3.0, 4.0, 5.0}, {2.5, 2.5, kMiss, 2.5, kMiss}, {kMiss, 6.0, kMiss, kMiss, kMiss},
+                    std::vector<double>(5, kMiss), y});
     ASSERT_TRUE(r.status.IsOK());
     const auto& o = output(r);
     // Warnings in variable order, each naming the variable's position.
@@ -76,64 +68,42 @@ TEST(NormalDriver, ConstantAndTooSmallVariables) {
     ASSERT_EQ(r.warningCodes(), (std::vector<int>{410010, 410025, 410025}));
     for (int k = 0; k < 3; ++k) EXPECT_EQ(warnings.Get(k).GetDiscreteDatum(0), k + 1);
     EXPECT_TRUE(warnings.Get(0).IsWarning());
-    // Constant: sd and se 0, df N - 1, the mean. One case: df 0 and the
-    // mean, no spread. No case: N 0, everything else missing.
-    EXPECT_EQ(o.GetNs(), (std::vector<double>{4.0, 3.0, 1.0, 0.0}));
-    EXPECT_EQ(o.GetDFValues()[1], 2.0);
-    EXPECT_EQ(o.GetMeanValues()[1], 2.5);
-    EXPECT_EQ(o.GetStdDevs()[1], 0.0);
-    EXPECT_EQ(o.GetEMs()[1], 0.0);
-    EXPECT_EQ(o.GetDFValues()[2], 0.0);
-    EXPECT_EQ(o.GetMeanValues()[2], 6.0);
-    EXPECT_EQ(o.GetStdDevs()[2], kMiss);
-    EXPECT_EQ(o.GetEMs()[2], kMiss);
-    EXPECT_EQ(o.GetDFValues()[3], kMiss);
-    EXPECT_EQ(o.GetMeanValues()[3], kMiss);
-    // None of them has a t, a factor or a posterior; the good variable has all.
-    for (const auto* v : {&o.GetTValues(), &o.GetSigs(), &o.GetBayesFactors(), &o.GetLogBayesFactors(),
-                          &o.GetPostMeanValues(), &o.GetLowerLimits()}) {
-        EXPECT_FALSE(MCMV::IsMissing((*v)[0]));
-        for (int i = 1; i < 4; ++i) EXPECT_EQ((*v)[i], kMiss) << i;
-    }
-}
-
-TEST(NormalDriver, TTestAndFactorAreWiredToTheCalculator) {
-    // Mean 3 against null value 3: t = 0, so the Simple factor is
-    // sqrt(1 + N g). The second variable's t is the textbook one-sample t.
-    const std::vector<double> x = {1.0, 2.0, 3.0, 4.0, 5.0};
-    const std::vector<double> y = {2.2, 3.9, 3.1, 5.6, 4.4};
-    BSNSettings s = normalSettings({0, 1}, BC::BayesFactor);
-    s.SetEstBFType(BC::Simple);
-    s.SetNullValues({3.0, 2.5});
-    s.SetAlterGValues({2.0, 0.5});
-    NormalRun r(s, {x, y});
-    ASSERT_TRUE(r.status.IsOK()) << r.status.GetCode();
-    const auto& o = output(r);
     EXPECT_NEAR(o.GetTValues()[0], 0.0, 1e-12);
     EXPECT_NEAR(o.GetSigs()[0], 1.0, 1e-12);
     EXPECT_NEAR(o.GetBayesFactors()[0], std::sqrt(1.0 + 5.0 * 2.0), 1e-10);
     EXPECT_NEAR(o.GetLogBayesFactors()[0], 0.5 * std::log(11.0), 1e-12);
     const Moments m = moments(y);
     const double t = (m.mean - 2.5) / std::sqrt(m.var / m.n);
-    EXPECT_NEAR(o.GetTValues()[1], t, 1e-10);
-    EXPECT_NEAR(o.GetSigs()[1], 2 * bm::cdf(bm::complement(bm::students_t(4.0), std::fabs(t))), 1e-10);
-    // Factor-only mode: no posterior, no curves.
-    EXPECT_TRUE(o.GetPostMeanValues().empty());
-    EXPECT_TRUE(o.GetPlotPosterior().empty());
+    EXPECT_NEAR(o.GetTValues()[4], t, 1e-10);
+    EXPECT_NEAR(o.GetSigs()[4], 2 * bm::cdf(bm::complement(bm::students_t(4.0), std::fabs(t))), 1e-10);
+    // Constant: sd and se 0, df N - 1, the mean. One case: df 0 and the
+    // mean, no spread. No case: N 0, everything else missing.
+    EXPECT_EQ(o.GetNs(), (std::vector<double>{5.0, 3.0, 1.0, 0.0, 5.0}));
+    const double want[3][4] = {{2.0, 2.5, 0.0, 0.0}, {0.0, 6.0, kMiss, kMiss}, {kMiss, kMiss, kMiss, kMiss}};
+    for (int i = 1; i < 4; ++i) {  // df, mean, sd, se
+        const double got[] = {o.GetDFValues()[i], o.GetMeanValues()[i], o.GetStdDevs()[i], o.GetEMs()[i]};
+        for (int k = 0; k < 4; ++k) EXPECT_EQ(got[k], want[i - 1][k]) << i << " " << k;
+    }
+    // None of them has a t, a factor or a posterior; the good variables have all.
+    for (const auto* v : {&o.GetTValues(), &o.GetSigs(), &o.GetBayesFactors(), &o.GetLogBayesFactors(),
+                          &o.GetPostMeanValues(), &o.GetLowerLimits()}) {
+        EXPECT_FALSE(MCMV::IsMissing((*v)[0]) || MCMV::IsMissing((*v)[4]));
+        for (int i = 1; i < 4; ++i) EXPECT_EQ((*v)[i], kMiss) << i;
+    }
     // The factor stage's settings error (a Simple factor without g values)
     // reaches the component: no result.
     s.SetAlterGValues({});
-    NormalRun bad(s, {x, y});
+    NormalRun bad(s, {y, y, y, y, y});
     EXPECT_EQ(bad.status.GetCode(), 410019);
     EXPECT_EQ(bad.component.GetOutputStats(), nullptr);
 }
 
 TEST(NormalDriver, ErrorsAndCancellation) {
     const std::vector<double> x = {1.0, 2.0, 4.0, 3.5, 2.2, 3.3};
-    NormalRun empty(normalSettings({0}, BC::Posterior), {std::vector<double>{}});
+    NormalRun empty(oneSampleNormal({0}, BC::Posterior), {std::vector<double>{}});
     EXPECT_EQ(empty.status.GetCode(), 410003);
     EXPECT_EQ(empty.component.GetOutputStats(), nullptr);
-    NormalRun noVariable(normalSettings({}, BC::Posterior), {x});
+    NormalRun noVariable(oneSampleNormal({}, BC::Posterior), {x});
     EXPECT_EQ(noVariable.status.GetCode(), 410004);
     // Cancelled at the first progress report (inside the pass: the bare
     // status 1), or at the pass's final report after the last record
@@ -141,7 +111,7 @@ TEST(NormalDriver, ErrorsAndCancellation) {
     for (const auto& [frequency, code, reported] : {std::tuple{2, 1, 2}, std::tuple{100, 410016, 6}}) {
         MCCommon_850::MCAtomicCancel cancel;
         CancellingListener listener(cancel, 1);
-        BSNSettings s = normalSettings({0}, BC::Both);
+        BSNSettings s = oneSampleNormal({0}, BC::Both);
         s.SetCancelPointer(&cancel);
         s.SetProgressListener(&listener);
         s.SetProgressFrequency(frequency);
@@ -157,7 +127,7 @@ TEST(NormalDriver, ErrorsAndCancellation) {
     cancel.Cancel();
     std::vector<std::vector<double>> cols = {x};
     MCCommon_850::ColumnRecordIter iter(cols);
-    MCBSN_850::BSNComponent c(normalSettings({0}, BC::Posterior), makeVarList(1));
+    MCBSN_850::BSNComponent c(oneSampleNormal({0}, BC::Posterior), makeVarList(1));
     c.SetCancelPtr(&cancel);
     EXPECT_EQ(c.BuildModel(iter).GetCode(), 410016);
 }
@@ -166,32 +136,29 @@ TEST(NormalDriver, ProgressReportsAndResultObjects) {
     // A report every 2 records: 6 records give 2, 4, 6 (no repeat of 6).
     MCCommon_850::MCAtomicCancel never;
     CancellingListener listener(never, 1000);
-    BSNSettings s = normalSettings({0}, BC::Posterior);
+    BSNSettings s = oneSampleNormal({0}, BC::Posterior);
     s.SetProgressListener(&listener);
     s.SetProgressFrequency(2);
     NormalRun counted(s, {{1.0, 2.0, 5.0, 10.0, 17.0, 26.0}});
     ASSERT_TRUE(counted.status.IsOK());
     EXPECT_EQ(listener.records, (std::vector<int>{2, 4, 6}));
-    // Posterior-only results have no factor vectors. The one-sample and the
-    // related result share a base but not their class (the host dispatches
-    // on it). A copy refilled leaves its source alone; the refill keeps the
-    // order of its arguments and sanitises.
+    // Posterior-only results have no factor vectors, factor-only ones no
+    // posterior. The one-sample and the related result share a base but not
+    // their class (the host dispatches on it). A refill sanitises.
     const std::vector<double> x = {1.0, 2.0, 4.0, 3.5, 2.2, 3.3};
-    NormalRun r(normalSettings({0}, BC::Posterior), {x});
+    NormalRun r(oneSampleNormal({0}, BC::Posterior), {x}), f(oneSampleNormal({0}, BC::BayesFactor), {x});
     const auto& o = output(r);
-    EXPECT_TRUE(o.GetBayesFactors().empty());
-    EXPECT_TRUE(o.GetLogBayesFactors().empty());
-    EXPECT_EQ(r.out<MCBSN_850::BSN2SampleRelatedOutputStats>(), nullptr);
+    EXPECT_TRUE(o.GetBayesFactors().empty() && o.GetLogBayesFactors().empty());
+    EXPECT_TRUE(output(f).GetPostMeanValues().empty() && output(f).GetPlotPosterior().empty());
+    EXPECT_FALSE(output(f).GetBayesFactors().empty());
+    EXPECT_EQ(r.As<MCBSN_850::BSN2SampleRelatedOutputStats>(), nullptr);
     BSN1SampleNormOutputStats copy(o);
     copy.SetOutputValues(o.GetSettings(), {4}, {std::nan("")}, {1}, {2}, {3}, {4}, {5}, {6}, {7}, {8}, {9}, {10}, {11},
                          {12});
     copy.SetLogBayesFactors({HUGE_VAL});
-    EXPECT_EQ(copy.GetVarIndices(), std::vector<int>{4});
     EXPECT_EQ(copy.GetBayesFactors(), std::vector<double>{kMiss});
     EXPECT_EQ(copy.GetLogBayesFactors(), std::vector<double>{kMiss});
     EXPECT_EQ(copy.GetMeanValues(), std::vector<double>{12});
-    EXPECT_EQ(copy.GetUpperLimits(), std::vector<double>{11});
-    EXPECT_EQ(copy.GetPlotPosterior(), o.GetPlotPosterior());
     EXPECT_EQ(o.GetVarIndices(), std::vector<int>{0});
 }
 
