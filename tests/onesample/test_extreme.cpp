@@ -18,11 +18,13 @@
 #include "platform/records/csvrecorditer.h"
 #include "tests/onesample/discrete_test_support.h"
 #include "tests/onesample/extremedata.h"
+#include "tests/onesample/normaltestsupport.h"
 
 using namespace discrete_test;
+using namespace MCBSN_850;
 using extremedata::num;
-using MCBSN_850::BSNSettings;
-namespace C = MCBSN_850::BSNConst;
+using normaltest::oneSampleNormal;
+namespace C = BSNConst;
 
 namespace {
 
@@ -39,10 +41,12 @@ BSNSettings extremeSettings(C::DistTypes dist, const std::vector<std::string>& r
 
 // Checks a stored factor against its exact log: the log to 1e-11 (the
 // factor's relative error), and the factor itself, or beyond the exponent
-// range its log with the bit set and warning 410041.
+// range its log with the bit set and warning 410041; and the case count.
 template <class Output>
-void expectFactor(const Build& run, double exactLog) {
-    const auto& out = *run.As<Output>();
+void expectFactor(const Build& run, double exactLog, double n) {
+    ASSERT_TRUE(run.status.IsOK());
+    const auto& out = run.Result<Output>();
+    EXPECT_EQ(out.GetNs()[0], n);
     const double logBf = out.GetLogBayesFactors()[0];
     EXPECT_NEAR(logBf, exactLog, 1e-11 * std::max(1.0, std::fabs(exactLog)));
     const bool isLog = std::fabs(exactLog) > 708.0;
@@ -66,30 +70,20 @@ TEST(ExtremeSizes, BinomialAndPoissonFactorsToTheLastDigits) {
         const double n = num(r[1]), x = num(r[2]), exactLog = num(r[7]);
         if (r[0] == "binomial") {
             Build run(extremeSettings(C::Binomial, r, C::Both), {{x, n - x}, {1, 0}});
-            ASSERT_TRUE(run.status.IsOK());
-            const auto* out = run.As<MCBSN_850::BSN1SampleBinoOutputStats>();
-            ASSERT_NE(out, nullptr);
-            expectFactor<MCBSN_850::BSN1SampleBinoOutputStats>(run, exactLog);
-            EXPECT_EQ(out->GetNs()[0], n);
-            if (r[1] == "1000000000.0") {
-                // The posterior Beta(500005123, 500004877) of the first case:
-                // its density at the middle grid point 0.5 to 1e-12.
-                const auto lg = extremedata::read("extreme_lgamma.csv");
-                for (const auto& row : lg)
-                    if (row[0] == "betapdf" && row[1] == "0.5" && row[2] == "500005123.0") {
-                        ASSERT_EQ(out->GetPlotArguments()[0][1], 0.5);
-                        EXPECT_NEAR(out->GetPlotPosterior()[0][1], std::exp(num(row[7])),
-                                    1e-12 * std::exp(num(row[7])));
-                    }
-            }
+            expectFactor<BSN1SampleBinoOutputStats>(run, exactLog, n);
+            if (r[1] != "1000000000.0") continue;
+            // The posterior Beta(500005123, 500004877) of the first case:
+            // its density at the middle grid point 0.5 to 1e-12.
+            const auto& out = run.Result<BSN1SampleBinoOutputStats>();
+            for (const auto& row : extremedata::read("extreme_lgamma.csv"))
+                if (row[0] == "betapdf" && row[1] == "0.5" && row[2] == "500005123.0") {
+                    ASSERT_EQ(out.GetPlotArguments()[0][1], 0.5);
+                    EXPECT_NEAR(out.GetPlotPosterior()[0][1], std::exp(num(row[7])), 1e-12 * std::exp(num(row[7])));
+                }
         } else {
             const double q = std::floor(x / n), rest = x - q * n;
             Build run(extremeSettings(C::Poisson, r, C::BayesFactor), {{rest, n - rest}, {q + 1, q}});
-            ASSERT_TRUE(run.status.IsOK());
-            const auto* out = run.As<MCBSN_850::BSN1SamplePoisnOutputStats>();
-            ASSERT_NE(out, nullptr);
-            expectFactor<MCBSN_850::BSN1SamplePoisnOutputStats>(run, exactLog);
-            EXPECT_EQ(out->GetNs()[0], n);
+            expectFactor<BSN1SamplePoisnOutputStats>(run, exactLog, n);
         }
     }
 }
@@ -120,16 +114,12 @@ TEST(ExtremeSizes, NormalDataFarFromZero) {
     ASSERT_EQ(x.size(), 1000u);
     ASSERT_EQ(e.size(), 5u);
 
-    BSNSettings s;
-    s.SetModelType(C::OneSample, false);
-    s.SetTestDistType(C::Normal);
-    s.SetCovariates({0});
-    s.SetAnalysType(C::BayesFactor);
+    BSNSettings s = oneSampleNormal({0}, C::BayesFactor);
     s.SetNullValues({1000000000.0001});
     ASSERT_EQ(s.GetNullValues()[0], e.at("null"));
     Build one(s, {x});
     ASSERT_TRUE(one.status.IsOK());
-    const auto& o = *one.As<MCBSN_850::BSN1SampleNormOutputStats>();
+    const auto& o = one.Result<BSN1SampleNormOutputStats>();
     EXPECT_NEAR(o.GetTValues()[0], e.at("t"), 1e-9 * std::fabs(e.at("t")));
     EXPECT_NEAR(o.GetStdDevs()[0], e.at("sd"), 1e-9 * e.at("sd"));
     EXPECT_NEAR(o.GetMeanValues()[0] - e.at("null"), e.at("mean_minus_null"), 2e-7);  // one rounding at 1e9
@@ -153,7 +143,7 @@ TEST(ExtremeSizes, NormalDataFarFromZero) {
     related.Set2ndRelatedList({1});
     Build pairs(related, {x, y});
     ASSERT_TRUE(pairs.status.IsOK());
-    const auto& p = *pairs.As<MCBSN_850::BSN2SampleRelatedOutputStats>();
+    const auto& p = pairs.Result<BSN2SampleRelatedOutputStats>();
     EXPECT_EQ(p.GetMeanValues()[0], 1e9);  // c rounded once
     EXPECT_NEAR(p.GetStdDevs()[0], sd, 1e-9 * sd);
     const double t = ((1e9 - e.at("null")) + tiny) / (sd / std::sqrt(1000.0));
@@ -166,39 +156,30 @@ TEST(ExtremeSizes, JZSLogFactorWhereTheFactorUnderflows) {
     ASSERT_EQ(rows.size(), 7u);
     for (std::size_t k = 0; k < 4; ++k) {
         const double N = num(rows[k][0]), t = num(rows[k][1]), exact = num(rows[k][2]);
-        MCBSN_850::BayesFactorOneSampleTT bf(N, N - 1.0, t);
+        BayesFactorOneSampleTT bf(N, N - 1.0, t);
         const double logBf = bf.ComputeLog();
         EXPECT_NEAR(logBf, exact, 1e-7 * std::max(1.0, std::fabs(exact))) << N << " " << t;
         const double direct = bf.Compute();
-        if (exact > -700.0)
-            EXPECT_NEAR(direct, std::exp(logBf), 1e-7 * direct);
-        else
-            EXPECT_EQ(direct, 0.0);
+        EXPECT_NEAR(direct, exact > -700.0 ? std::exp(logBf) : 0.0, 1e-7 * direct);  // 0 where it underflows
     }
 
     // Three columns of a million cases (two weighted records each) with means
     // 0.1, 0.05 and 0.2: t near 100, 50 and 200. Quadrature, Simple and
     // known variance, and Monte Carlo; and the posterior t density with a
     // million degrees of freedom.
-    BSNSettings s;
-    s.SetModelType(C::OneSample, false);
-    s.SetTestDistType(C::Normal);
-    s.SetCovariates({1, 2, 3});
+    BSNSettings s = oneSampleNormal({1, 2, 3}, C::Both);
     s.SetFrequencyWeightVar(0);
-    s.SetAnalysType(C::Both);
-    s.SetMeanDistType(C::Diffuse);
-    s.SetPriorDistType(C::Jeffreys2);
     const std::vector<std::vector<double>> cols = {
         {500000, 500000}, {0.1 - 1.0, 0.1 + 1.0}, {0.05 - 1.0, 0.05 + 1.0}, {0.2 - 1.0, 0.2 + 1.0}};
     Build jzs(s, cols);
     ASSERT_TRUE(jzs.status.IsOK());
-    const auto& o = *jzs.As<MCBSN_850::BSN1SampleNormOutputStats>();
+    const auto& o = jzs.Result<BSN1SampleNormOutputStats>();
     for (std::size_t i = 0; i < 3; ++i) {
         EXPECT_NEAR(o.GetTValues()[i], num(rows[4 + i][1]), 1e-12 * num(rows[4 + i][1]));
         EXPECT_NEAR(o.GetLogBayesFactors()[i], num(rows[4 + i][2]), 1e-7 * std::fabs(num(rows[4 + i][2])));
         EXPECT_EQ(o.GetBayesFactors()[i], 0.0);
         const double sc = o.GetStdDevs()[i] / 1e3, c = o.GetPostMeanValues()[i];  // scale^2 = s^2 (N - 1)/(N ν)
-        for (std::size_t k : {std::size_t{0}, std::size_t{50}}) {
+        for (std::size_t k : {0u, 50u}) {
             const double x = o.GetPlotArguments4Posterior()[i][k];
             const double pdf = boost::math::pdf(boost::math::students_t(1e6 - 1.0), (x - c) / sc) / sc;
             EXPECT_NEAR(o.GetPlotPosterior()[i][k], pdf, 1e-12 * pdf);
@@ -208,16 +189,16 @@ TEST(ExtremeSizes, JZSLogFactorWhereTheFactorUnderflows) {
     s.SetEstBFType(C::Simple);
     s.SetAlterGValues({1.0, 1.0, 1.0});
     Build simple(s, cols);
-    const auto& so = *simple.As<MCBSN_850::BSN1SampleNormOutputStats>();
+    const auto& so = simple.Result<BSN1SampleNormOutputStats>();
     s.SetDataVarVals({1.0, 1.0, 1.0});
     Build known(s, cols);
-    const auto& ko = *known.As<MCBSN_850::BSN1SampleNormOutputStats>();
+    const auto& ko = known.Result<BSN1SampleNormOutputStats>();
     s.SetDataVarVals({});
     s.SetEstBFType(C::JZS);
     s.SetMethodType(C::MCA);
     s.SetMCSamples(20000);
     Build mc(s, cols);
-    const auto& mo = *mc.As<MCBSN_850::BSN1SampleNormOutputStats>();
+    const auto& mo = mc.Result<BSN1SampleNormOutputStats>();
     for (std::size_t i = 0; i < 3; ++i) {
         const double N = 1e6, t = so.GetTValues()[i], nu = N - 1.0, d = ko.GetMeanValues()[i];
         EXPECT_NEAR(so.GetLogBayesFactors()[i],
