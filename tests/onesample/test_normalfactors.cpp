@@ -12,15 +12,12 @@
 #include "platform/common/mcmv.h"
 #include "platform/records/columnrecorditer.h"
 #include "platform/stats/mccontstats.h"
-#include "tests/onesample/discrete_test_support.h"
 #include "tests/onesample/jzsreference.h"
 #include "tests/onesample/normaltestsupport.h"
 
-using MCBSN_850::BSN1SampleNormalUtils;
-using MCBSN_850::BSNSettings;
+using namespace MCBSN_850;
 using MCCommon_850::MCMV;
 using MCCommon_850::MCWarnings;
-namespace BSNConst = MCBSN_850::BSNConst;
 
 namespace {
 
@@ -83,7 +80,7 @@ Outcome run(BSNSettings s, const Data& d, MCCommon_850::MCQueryCancel* query = n
     MCCommon_850::ColumnRecordIter iter(cols);
     MCMath_850::MCCancelInfo cancel(query);
     Outcome r;
-    MCBSN_850::BSN1SampleNormalFactor f(s, vars, d.stats, d.se, r.warnings);
+    BSN1SampleNormalFactor f(s, vars, d.stats, d.se, r.warnings);
     r.status = f.BuildModel(iter, cancel);
     r.bf = f.getFactor();
     r.logBf = f.getLogFactor();
@@ -122,55 +119,49 @@ TEST(NormalFactors, ClosedFormsAndTheirLogs) {
     for (const auto& [bf, logBf] : {simple(1.0, 1.0, 1.0), simple(1.0, 10.0, 0.0), simple(kMiss, 10.0, 1.0),
                                     simple(1.0, 10.0, kMiss), simple(0.0, 1e300, 1e300), known(0.0, 1.0, 0.0, 1.0, 1.0),
                                     known(10.0, 0.0, 0.0, 1.0, 1.0), known(10.0, 1.0, 0.0, -1.0, 1.0),
-                                    known(10.0, 1.0, 0.0, 1.0, kMiss)}) {
-        EXPECT_TRUE(MCMV::IsMissing(bf));
-        EXPECT_TRUE(MCMV::IsMissing(logBf));
-    }
+                                    known(10.0, 1.0, 0.0, 1.0, kMiss)})
+        EXPECT_TRUE(MCMV::IsMissing(bf) && MCMV::IsMissing(logBf)) << bf << " " << logBf;
 }
 
 TEST(NormalFactors, PerVariableChoice) {
-    MCWarnings w;
-    double bf = 0.0;
-    const auto choose = [&](const BSNSettings& s, double t = 1.3) {
-        return BSN1SampleNormalUtils::ComputeFactorForVariable(s, 1, 3, 20.0, t, 0.4, &bf, w).GetCode();
+    // Variable 1 of 3, N 20, the mean 0.4 from its null value. Without a
+    // variance the estimation type decides; with one, the known-variance
+    // factor with its g, whose g and null-value lists must fit. A variance
+    // list of the wrong length is ignored; no t statistic: no factor of
+    // any kind, and no complaint.
+    const double jzs = jzsref::cutoffFactor(20.0, 1.3);
+    struct Case {  // bf (to a relative tol) not checked after an error
+        BSNConst::EstBFTypes type;
+        std::vector<double> g, vars, nulls;
+        double t;
+        int code;
+        double bf, tol;
     };
-    BSNSettings s;
-    // No variances: the estimation type decides.
-    s.SetEstBFType(BSNConst::Simple);
-    s.SetAlterGValues({0.5, 2.0, 1.0});
-    EXPECT_EQ(choose(s), 0);
-    EXPECT_LT(rel(bf, simple(1.3, 20.0, 2.0).first), 1e-15);
-    s.SetAlterGValues({});
-    EXPECT_EQ(choose(s), 410019);
-    s.SetEstBFType(BSNConst::JZS);
-    EXPECT_EQ(choose(s), 0);
-    EXPECT_LT(rel(bf, jzsref::cutoffFactor(20.0, 1.3)), 1e-6);
-    s.SetEstBFType(BSNConst::Fraction);
-    EXPECT_EQ(choose(s), 0);
-    EXPECT_TRUE(MCMV::IsMissing(bf));
-    // A variance for the variable: the known-variance factor with its g and
-    // the mean's distance from its null value (0.4), whose lists must fit.
-    s.SetEstBFType(BSNConst::JZS);
-    s.SetDataVarVals({kMiss, 4.0, kMiss});
-    s.SetAlterGValues({0.5, 2.0, 1.0});
-    s.SetNullValues({0.0, 0.1, 0.0});
-    EXPECT_EQ(choose(s), 0);
-    EXPECT_LT(rel(bf, known(20.0, 2.0, 0.0, 4.0, 0.4).first), 1e-15);
-    s.SetAlterGValues({0.5, 2.0});
-    EXPECT_EQ(choose(s), 410019);
-    s.SetAlterGValues({0.5, 2.0, 1.0});
-    s.SetNullValues({0.1});
-    EXPECT_EQ(choose(s), 410019);
-    // A variance list of the wrong length is ignored: JZS again.
-    s.SetNullValues({});
-    s.SetDataVarVals({4.0, 4.0});
-    EXPECT_EQ(choose(s), 0);
-    EXPECT_LT(rel(bf, jzsref::cutoffFactor(20.0, 1.3)), 1e-6);
-    // No t statistic: no factor of any kind, and no complaint.
-    s.SetAlterGValues({});
-    s.SetDataVarVals({kMiss, 4.0, kMiss});
-    EXPECT_EQ(choose(s, kMiss), 0);
-    EXPECT_TRUE(MCMV::IsMissing(bf));
+    const auto J = BSNConst::JZS;
+    const std::vector<double> var1{kMiss, 4.0, kMiss};
+    const Case cases[] = {
+        {BSNConst::Simple, {0.5, 2.0, 1.0}, {}, {}, 1.3, 0, simple(1.3, 20.0, 2.0).first, 1e-15},
+        {BSNConst::Simple, {}, {}, {}, 1.3, 410019, 0, 0},
+        {J, {}, {}, {}, 1.3, 0, jzs, 1e-6},
+        {BSNConst::Fraction, {}, {}, {}, 1.3, 0, kMiss, 0},
+        {J, {0.5, 2.0, 1.0}, var1, {0.0, 0.1, 0.0}, 1.3, 0, known(20.0, 2.0, 0.0, 4.0, 0.4).first, 1e-15},
+        {J, {0.5, 2.0}, var1, {0.0, 0.1, 0.0}, 1.3, 410019, 0, 0},
+        {J, {0.5, 2.0, 1.0}, var1, {0.1}, 1.3, 410019, 0, 0},
+        {J, {0.5, 2.0, 1.0}, {4.0, 4.0}, {}, 1.3, 0, jzs, 1e-6},
+        {J, {}, var1, {}, kMiss, 0, kMiss, 0},
+    };
+    MCWarnings w;
+    for (const Case& c : cases) {
+        SCOPED_TRACE(testing::Message() << "case " << (&c - cases));
+        BSNSettings s;
+        s.SetEstBFType(c.type);
+        s.SetAlterGValues(c.g);
+        s.SetDataVarVals(c.vars);
+        s.SetNullValues(c.nulls);
+        double bf = 0.0;
+        EXPECT_EQ(BSN1SampleNormalUtils::ComputeFactorForVariable(s, 1, 3, 20.0, c.t, 0.4, &bf, w).GetCode(), c.code);
+        if (c.code == 0) EXPECT_TRUE(MCMV::IsMissing(c.bf) ? MCMV::IsMissing(bf) : rel(bf, c.bf) < c.tol) << bf;
+    }
     EXPECT_TRUE(w.IsEmpty());
 }
 
@@ -201,8 +192,7 @@ TEST(NormalFactor, TTestAndJZSLoop) {
     // Estimation types without a factor here leave everything missing quietly.
     s.SetEstBFType(BSNConst::CustomBF);
     const Outcome none = run(s, d);
-    EXPECT_TRUE(none.status.IsOK());
-    EXPECT_TRUE(none.warnings.IsEmpty());
+    EXPECT_TRUE(none.status.IsOK() && none.warnings.IsEmpty());
     for (double v : none.bf) EXPECT_TRUE(MCMV::IsMissing(v));
     EXPECT_NEAR(none.t[0], t0, 1e-12);
 }
@@ -226,7 +216,7 @@ TEST(NormalFactor, SimpleAndKnownVarianceLoopsRulesAndCancellation) {
     // Cancelled before the factors (t values only), or before the second
     // variable of the Simple loop (the first stays).
     s.SetAlterGValues({1.0, 1.0, 1.0, 3.0});
-    discrete_test::CancelAfter now(0), later(2);
+    bsntest::CancelAfter now(0), later(2);
     const Outcome early = run(s, d, &now), partial = run(s, d, &later);
     EXPECT_EQ(early.status.GetCode(), 410016);
     EXPECT_FALSE(MCMV::IsMissing(early.t[0]));
