@@ -53,8 +53,7 @@ TEST(OneSamplePoisson, BayesFactorsMatchClosedFormAndIntegratedMarginals) {
     const std::vector<double> none{kMiss, -1, kMiss, kMiss, kMiss, kMiss, kMiss};
     Build run(s, {{2.7, 1, 0, 3, -1, kMiss, 4}, none, {1, 2, 3, 4, 5, 6, 7}});
     ASSERT_TRUE(run.status.IsOK());
-    const auto* out = run.As<BSN1SamplePoisnOutputStats>();
-    ASSERT_NE(out, nullptr);
+    const auto* out = &run.Result<BSN1SamplePoisnOutputStats>();
     EXPECT_EQ(out->GetOutputType(), C::Output1SamplePoisson);
     const auto& bf = out->GetBayesFactors();
     // The default null prior is Gamma(2, 2): its term starts 2 ln 2 − lnΓ(2).
@@ -69,8 +68,7 @@ TEST(OneSamplePoisson, BayesFactorsMatchClosedFormAndIntegratedMarginals) {
     // No data: both marginals are 1, and so is the factor.
     EXPECT_NEAR(bf[1], 1.0, 1e-12);
     EXPECT_EQ(out->GetNs(), (std::vector<double>{5, 0, 7}));
-    EXPECT_EQ(out->GetMinCnts()[0], 0.0);
-    EXPECT_EQ(out->GetMaxCnts()[0], 4.0);
+    EXPECT_EQ((std::pair{out->GetMinCnts()[0], out->GetMaxCnts()[0]}), (std::pair{0.0, 4.0}));
     EXPECT_TRUE(isMissing(out->GetMinCnts()[1]));
     // No alternative for v2: no factor, and one warning 410018 naming it.
     EXPECT_TRUE(isMissing(bf[2]));
@@ -86,8 +84,7 @@ TEST(OneSamplePoisson, PosteriorSummariesAndCredibleLimits) {
     // Prior Gamma(2, 1); v0: N 5, S 10 -> Gamma(12, 6); v1: no case.
     Build run(s, {{2, 2, 2, 2, 2}, {kMiss, kMiss, kMiss, kMiss, kMiss}});
     ASSERT_TRUE(run.status.IsOK());
-    const auto* out = run.As<BSN1SamplePoisnOutputStats>();
-    ASSERT_NE(out, nullptr);
+    const auto* out = &run.Result<BSN1SamplePoisnOutputStats>();
     EXPECT_EQ(out->GetPosteriorParams()[0], (std::pair<double, double>{12.0, 6.0}));
     EXPECT_EQ(out->GetLikelihoodParams()[0], (std::pair<double, double>{-5.0, 10.0}));
     EXPECT_NEAR(out->GetMeanValues()[0], 2.0, 1e-15);
@@ -99,10 +96,8 @@ TEST(OneSamplePoisson, PosteriorSummariesAndCredibleLimits) {
     for (const auto* v : {&out->GetMeanValues(), &out->GetVarianceValues(), &out->GetModeValues(),
                           &out->GetLowerLimits(), &out->GetUpperLimits()})
         EXPECT_TRUE(isMissing((*v)[1]));
-    EXPECT_TRUE(isMissing(out->GetLikelihoodParams()[1].first));
-    EXPECT_TRUE(isMissing(out->GetPosteriorParams()[1].first));
-    EXPECT_TRUE(out->GetPlotArguments4Likelihoods()[1].empty());
-    EXPECT_TRUE(out->GetPlotPrior()[1].empty());
+    EXPECT_TRUE(isMissing(out->GetLikelihoodParams()[1].first) && isMissing(out->GetPosteriorParams()[1].first));
+    EXPECT_TRUE(out->GetPlotArguments4Likelihoods()[1].empty() && out->GetPlotPrior()[1].empty());
     EXPECT_TRUE(run.component.GetWarningMessages().IsEmpty());
 
     // Shape below 1: Gamma(0.5, 4) from prior Gamma(0.5, 1) and three zeros.
@@ -110,8 +105,7 @@ TEST(OneSamplePoisson, PosteriorSummariesAndCredibleLimits) {
     s.SetPriorParam1(0.5);
     s.SetCILevel(90.0);
     Build small(s, {{0, 0, 0}, {1, 0, 0}});
-    out = small.As<BSN1SamplePoisnOutputStats>();
-    ASSERT_NE(out, nullptr);
+    out = &small.Result<BSN1SamplePoisnOutputStats>();
     EXPECT_EQ(out->GetModeValues()[0], 0.0);
     EXPECT_NEAR(std::erf(std::sqrt(4 * out->GetLowerLimits()[0])), 0.05, 1e-10);
     EXPECT_NEAR(std::erf(std::sqrt(4 * out->GetUpperLimits()[0])), 0.95, 1e-10);
@@ -125,15 +119,13 @@ TEST(OneSamplePoisson, PlotCurvesCoverTheirOwnCentralMass) {
     // N 4, S 7: likelihood ~ Gamma(8, 4), prior Gamma(3, 2), posterior Gamma(10, 6).
     Build run(s, {{1, 3, 0, 3}});
     ASSERT_TRUE(run.status.IsOK());
-    const auto* out = run.As<BSN1SamplePoisnOutputStats>();
-    ASSERT_NE(out, nullptr);
-    const auto& la = out->GetPlotArguments4Likelihoods()[0];
-    const auto& pa = out->GetPlotArguments4Prior()[0];
+    const auto* out = &run.Result<BSN1SamplePoisnOutputStats>();
+    const auto &la = out->GetPlotArguments4Likelihoods()[0], &pa = out->GetPlotArguments4Prior()[0];
     const auto& qa = out->GetPlotArguments4Posterior()[0];
     expectDomain(la, 100, 0.005, [](double x) { return gammaCdfInt(x, 8, 4); });
     expectDomain(pa, 100, 0.005, [](double x) { return gammaCdfInt(x, 3, 2); });
     expectDomain(qa, 100, 0.005, [](double x) { return gammaCdfInt(x, 10, 6); });
-    for (std::size_t k : {std::size_t{0}, std::size_t{50}, std::size_t{99}}) {
+    for (std::size_t k : {0u, 50u, 99u}) {
         EXPECT_NEAR(out->GetPlotLikelihoods()[0][k], 7 * std::log(la[k]) - 4 * la[k], 1e-12);
         EXPECT_NEAR(out->GetPlotPrior()[0][k], gammaPdf(pa[k], 3, 2), 1e-12);
         EXPECT_NEAR(out->GetPlotPosterior()[0][k], gammaPdf(qa[k], 10, 6), 1e-12);
@@ -147,8 +139,7 @@ TEST(OneSamplePoisson, PlotCurvesCoverTheirOwnCentralMass) {
     s.SetPriorParam1(0.0);
     s.SetPriorParam2(0.0);
     Build flat(s, {{1, 3, 0, 3}});
-    out = flat.As<BSN1SamplePoisnOutputStats>();
-    ASSERT_NE(out, nullptr);
+    out = &flat.Result<BSN1SamplePoisnOutputStats>();
     EXPECT_EQ(out->GetPlotPrior()[0], (std::vector<double>{1.0, 1.0}));
     const auto& post = out->GetPlotArguments4Posterior()[0];
     expectDomain(post, 7, 0.02, [](double x) { return gammaCdfInt(x, 7, 4); });
