@@ -4,15 +4,14 @@
 #include <gtest/gtest.h>
 
 #include <filesystem>
-#include <sstream>
 #include <string>
 #include <vector>
 
 #include <fmt/format.h>
 #include <nlohmann/json.hpp>
 
-#include "bsn/frame/bsncomponent.h"
 #include "cli/host.h"
+#include "tests/cli/hostrun.h"
 #include "tests/cli/svgcheck.h"
 #include "tests/cli/tempfiles.h"
 
@@ -25,9 +24,8 @@ namespace C = MCBSN_850::BSNConst;
 
 namespace {
 
-struct RunResult {
-    int code = -1;
-    std::string out, err, report;
+struct RunResult : bsntest::HostOutcome {
+    std::string report;
     nlohmann::json json;
     tinyxml2::XMLDocument html;
 };
@@ -39,20 +37,10 @@ void run(const std::string& settings, const std::string& data, const bsntest::Te
     options.jsonPath = dir.Path("r.json");
     options.plotsDir = dir.Path("plots");
     options.reportPath = dir.Path("report.html");
-    std::ostringstream out, err;
-    r.code = bsncli::RunAnalysis(options, out, err);
-    r.out = out.str();
-    r.err = err.str();
+    static_cast<bsntest::HostOutcome&>(r) = bsntest::RunHost(options);
     r.report = bsntest::TempDir::Read(options.reportPath);
     r.json = nlohmann::json::parse(bsntest::TempDir::Read(options.jsonPath));
     EXPECT_EQ(r.html.Parse(r.report.c_str()), tinyxml2::XML_SUCCESS) << r.html.ErrorStr();
-}
-
-bool available(C::ModelTypes model, C::DistTypes dist) {
-    MCBSN_850::BSNSettings s;
-    s.SetModelType(model, true);
-    s.SetTestDistType(dist);
-    return MCBSN_850::BSNComponent(s, MCXML_850::MCVarList()).HasProcedure();
 }
 
 // The terminal's tables: blocks between blank lines after the heading line,
@@ -105,7 +93,7 @@ TEST(Report, ExamplesPlotsAndReportHoldWhatTheTerminalShows) {
     };
     const std::string root = BSN_SOURCE_DIR;
     for (const Example& ex : examples) {
-        if (!available(ex.model, ex.dist)) continue;
+        if (!bsntest::HasAnalysis(ex.model, ex.dist)) continue;
         SCOPED_TRACE(ex.name);
         bsntest::TempDir dir;
         RunResult r;
@@ -166,18 +154,19 @@ TEST(Report, ExamplesPlotsAndReportHoldWhatTheTerminalShows) {
 
 TEST(Report, RefusedRunsWarningsAndWritingWhole) {
     bsntest::TempDir dir;
-    if (available(C::Related, C::Normal)) {
+    if (bsntest::HasAnalysis(C::Related, C::Normal)) {
         RunResult r;
         run(dir.Write("s.json", R"({"ModelType": "Related", "Covariates": ["x"]})"), dir.Write("d.csv", "x,y\n1,2\n"),
             dir, r);
         EXPECT_EQ(r.code, 2);
+        EXPECT_NE(r.err.find("the settings were refused"), std::string::npos) << r.err;
         const XMLElement* html = r.html.RootElement();
         ASSERT_NE(html, nullptr);
         EXPECT_EQ(Text(ByClass(html, "status-error").at(0)).rfind("error 410039: ", 0), 0u);
         EXPECT_TRUE(ByName(html, "figure").empty());
         EXPECT_EQ(Text(ByName(html, "h1").at(0)), "Related analysis");
     }
-    if (available(C::OneSample, C::Normal)) {
+    if (bsntest::HasAnalysis(C::OneSample, C::Normal)) {
         // A constant column: warning 410010 named after its variable, in the
         // report as on the terminal; names are escaped.
         RunResult r;
@@ -198,8 +187,8 @@ TEST(Report, RefusedRunsWarningsAndWritingWhole) {
     options.settingsPath = dir.Write("s.json", R"({"ModelType": "Related", "Covariates": ["x"]})");
     options.dataPath = dir.Write("d.csv", "x,y\n1,2\n");
     options.reportPath = dir.Path("missing/report.html");
-    std::ostringstream out, err;
-    EXPECT_EQ(bsncli::RunAnalysis(options, out, err), 2);
-    EXPECT_NE(err.str().find("--report: cannot write"), std::string::npos) << err.str();
+    const auto r = bsntest::RunHost(options);
+    EXPECT_EQ(r.code, 2);
+    EXPECT_NE(r.err.find("--report: cannot write"), std::string::npos) << r.err;
     EXPECT_FALSE(std::filesystem::exists(dir.Path("missing")));
 }
