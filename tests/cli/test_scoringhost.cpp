@@ -7,28 +7,17 @@
 #include <string>
 #include <vector>
 
-#include "cli/host.h"
 #include "cli/scoring.h"
+#include "tests/cli/hostrun.h"
 #include "tests/cli/tempfiles.h"
 #include "tests/pmml/pmmlevaluator.h"
 #include "tests/pmml/pmmlschemacheck.h"
 
 namespace {
 
-struct HostRun {
-    int code = -1;
-    std::string out, err;
-};
-
-HostRun run(const std::vector<std::string>& args) {
-    std::vector<const char*> argv{"bsn", "run"};
-    for (const auto& a : args) argv.push_back(a.c_str());
-    std::ostringstream out, err;
-    HostRun r;
-    r.code = bsncli::Main(static_cast<int>(argv.size()), argv.data(), out, err);
-    r.out = out.str();
-    r.err = err.str();
-    return r;
+bsntest::HostOutcome run(std::vector<std::string> args) {
+    args.insert(args.begin(), "run");
+    return bsntest::RunCommandLine(args);
 }
 
 std::string example(const std::string& name) { return std::string(BSN_SOURCE_DIR) + "/examples/" + name; }
@@ -60,7 +49,7 @@ TEST(ScoringHost, ExamplesWritePmmlAndScoresThatAgree) {
     bsntest::TempDir dir;
     for (const std::string name : {"regression", "anova"}) {
         const std::string pmml = dir.Path(name + ".pmml"), scores = dir.Path(name + "_scores.csv");
-        const HostRun r = run({example(name + ".json"), example(name + ".csv"), "--pmml", pmml, "--pmml-covariance",
+        const auto r = run({example(name + ".json"), example(name + ".csv"), "--pmml", pmml, "--pmml-covariance",
                                "--score", example(name + "_new.csv"), "--scores", scores});
         ASSERT_EQ(r.code, 0) << r.err;
         EXPECT_NE(r.out.find("PMML: model written to " + pmml), std::string::npos) << r.out;
@@ -96,7 +85,7 @@ TEST(ScoringHost, ExamplesWritePmmlAndScoresThatAgree) {
     }
     EXPECT_EQ(fileCount(dir), 4);
     // Scores on standard output replace the tables.
-    const HostRun r = run({example("anova.json"), example("anova.csv"), "--score", example("anova_new.csv")});
+    const auto r = run({example("anova.json"), example("anova.csv"), "--score", example("anova_new.csv")});
     ASSERT_EQ(r.code, 0) << r.err;
     EXPECT_EQ(r.out.rfind("plot,treatment,predicted_mode,", 0), 0u) << r.out;
     EXPECT_NE(r.err.find("Status: OK"), std::string::npos) << r.err;
@@ -126,7 +115,7 @@ TEST(ScoringHost, ErrorsNameTheirCauseAndLeaveNoFiles) {
          "--pmml-covariance: the model has no posterior covariance"},
     };
     for (const auto& c : cases) {
-        const HostRun r = run(c.args);
+        const auto r = run(c.args);
         EXPECT_EQ(r.code, 2) << c.message << "\n" << r.err;
         EXPECT_NE(r.err.find(c.message), std::string::npos) << r.err;
     }
