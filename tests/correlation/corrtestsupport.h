@@ -1,7 +1,6 @@
 #pragma once
-// Shared pieces of the correlation tests: settings for model type 3, a run
-// of the procedure on in-memory columns, and readers of the reference
-// tables under tests/data.
+// Shared pieces of the correlation tests: settings, a run of the procedure on
+// in-memory columns, the tests/data readers and a rig for one task.
 #include <gtest/gtest.h>
 
 #include <memory>
@@ -65,8 +64,7 @@ struct CorrRun {
     MCCommon_850::MCStatus status;
 };
 
-// Rows of a tests/data CSV after its header; an empty field (or NA) is
-// the missing value.
+// Rows of a tests/data CSV after its header; an empty field or NA is missing.
 inline std::vector<extremedata::Row> readCsv(const std::string& name) { return extremedata::read(name); }
 inline double number(const std::string& field) { return field.empty() || field == "NA" ? kMiss : std::stod(field); }
 
@@ -82,8 +80,7 @@ inline void expectAllFinite(const BSNPearsonCorrelationOutputStats& o) {
         for (double x : *all[i]) EXPECT_TRUE(x == MCMV::Missing() || std::isfinite(x)) << "vector " << i;
 }
 
-// Pair inputs and result vectors for running BSNCorrTask directly on
-// chosen (r, n) values.
+// Inputs and result vectors for running BSNCorrTask on chosen (r, n) pairs.
 struct TaskRig {
     TaskRig(std::vector<double> rs, std::vector<double> ns, int plotPoints = 0, int plotted = 0)
         : r(std::move(rs)), n(std::move(ns)) {
