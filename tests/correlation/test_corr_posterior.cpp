@@ -1,7 +1,5 @@
-// The posterior of a correlation: summaries within Monte-Carlo error of the
-// exact values (z normal on Fisher's scale, rho = tanh z), and equal to the
-// sampling replayed draw by draw (kernel mode, narrowest interval by a full
-// sort, two-pass moments).
+// The posterior of a correlation: within Monte-Carlo error of the exact values
+// (rho = tanh z, z normal), equal to the sampling replayed draw by draw.
 #include <limits>
 #include <numbers>
 #include <tuple>
@@ -26,9 +24,8 @@ double kernel(double rho, double r, double n, double c) {
     return c * std::log(1 - rho * rho) + (n - 1) / 2 * std::log(1 - rho * rho) - (n - 1.5) * std::log(1 - rho * r);
 }
 
-// Exact summaries of rho = tanh z, z ~ N(mu, sigma^2), by quadrature over
-// z; the narrowest 95% interval from the quantile function of rho; the
-// kernel's maximiser by Brent's method.
+// Exact moments of rho = tanh z by quadrature over z; the narrowest 95%
+// interval from rho's quantiles and the kernel's maximiser by Brent's method.
 Exact exact(double r, double n, double c, double level) {
     const double mu = std::atanh(r) - 2.5 * r / n;
     const double sigma = std::sqrt(1 / (n + 1 - 2.5 * r * r));
@@ -80,12 +77,10 @@ TEST(CorrelationPosterior, SummariesWithinMonteCarloErrorOfExactValues) {
 }
 
 TEST(CorrelationPosterior, MatchesTheSamplingProcedureReplayedDrawByDraw) {
-    // Three pairs in one task share one generator, seeded once: the second
-    // pair's draws follow the first's. An invalid pair draws nothing.
+    // Pairs of one task share one generator, seeded once; an invalid pair draws nothing.
     const std::vector<double> rs = {0.35, kMiss, -0.6, 0.999999};
     const std::vector<double> ns = {30, 30, 8, 50};
-    // c = -10 makes the kernel rise towards +-1 for the small pair, where
-    // every draw must be looked at for the mode.
+    // c = -10: the kernel rises towards +-1 for the small pair, so every draw counts for the mode.
     for (const auto& [M, level, c] : std::vector<std::tuple<long, double, double>>{
              {1, 95, 0}, {2, 50, 0}, {7, 95, 0}, {1000, 95, 0}, {1001, 95, 0}, {1000, 50, 0}, {1001, 10, 0},
              {1000, 100, 0}, {1000, 0, 0}, {999, 95, -10}}) {
@@ -143,9 +138,8 @@ TEST(CorrelationPosterior, MatchesTheSamplingProcedureReplayedDrawByDraw) {
 }
 
 TEST(CorrelationPosterior, PlotCurves) {
-    // Curves on the shared axis: the bivariate normal log-likelihood at the
-    // sample moments, the prior (1 - rho^2)^c, and the posterior kernel
-    // scaled to peak at 1.
+    // The bivariate normal log-likelihood, the prior (1 - rho^2)^c and the
+    // posterior kernel scaled to peak at 1.
     const double r = 0.4, n = 25, lambda = 3.7, c = 1.5;
     TaskRig rig({r, 0.2}, {n, 10}, 9, 1);
     rig.logSxxSyy = {lambda, 1.0};
@@ -158,9 +152,7 @@ TEST(CorrelationPosterior, PlotCurves) {
     double top = 0;
     for (std::size_t j = 0; j < rig.x.size(); ++j) {
         const double rho = rig.x[j];
-        // Sum over n cases of the log density of a bivariate normal with
-        // variances Sxx/n, Syy/n and correlation rho, at the data's own
-        // second moments.
+        // n cases of a bivariate normal (variances Sxx/n, Syy/n) at the data's own moments.
         const double sxxSyy = std::exp(lambda), det = sxxSyy / (n * n) * (1 - rho * rho);
         const double quad = n * (2 - 2 * rho * r) / (1 - rho * rho);
         const double ll = -n * std::log(2 * std::numbers::pi) - n / 2 * std::log(det) - quad / 2;
