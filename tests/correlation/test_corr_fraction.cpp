@@ -1,10 +1,6 @@
-// The fractional Bayes factor of a correlation: the null model's integrals
-// and the whole factor (within its Monte-Carlo error) against nested
-// quadrature (tests/data/correlation_fraction.csv, mpmath), and the
-// logarithm stored where the factor leaves the exponent range.
-#include <cmath>
+// The fractional factor of a correlation against nested mpmath quadrature
+// (tests/data/correlation_fraction.csv), and its logarithm beyond the exponent range.
 #include <numbers>
-#include <vector>
 
 #include "tests/correlation/corrtestsupport.h"
 
@@ -58,8 +54,7 @@ TEST(CorrelationFraction, WholeFactorThroughTheTaskAndNarrowNullIntegrand) {
             EXPECT_NEAR(one.bf[0], std::exp(one.logBF[0]), 1e-14 * one.bf[0]);
             logBF.push_back(one.logBF[0]);
         }
-        // Ten independent estimates: their mean within 4 standard errors,
-        // each within 5 of its own, and that error small.
+        // Ten estimates: their mean within 4 standard errors, each within 5 sd, the sd small.
         const Moments m = moments(logBF);
         const double sd = std::sqrt(m.var);
         EXPECT_LT(sd, 0.2);
