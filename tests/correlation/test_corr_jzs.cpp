@@ -1,8 +1,5 @@
-// The JZS Bayes factor of a correlation against high-precision integrals
-// of its formula in g over [eps, 1e6] (tests/data/correlation_jzs.csv,
-// mpmath), and the warnings for the mass the range leaves out.
-#include <cmath>
-#include <vector>
+// The JZS factor of a correlation against mpmath integrals over g in [eps, 1e6]
+// (tests/data/correlation_jzs.csv), and the warnings for the mass left out.
 
 #include "tests/correlation/corrtestsupport.h"
 
@@ -32,11 +29,10 @@ TEST(CorrelationJZS, FactorsMatchHighPrecisionIntegrals) {
         // log BF within 1e-6: the factor within 1e-6 relative.
         EXPECT_NEAR(rig.logBF[i], cases[i].logBF, 1e-6);
         EXPECT_EQ(rig.isLog[i], 0);
-        if (cases[i].logBF > -700) EXPECT_NEAR(rig.bf[i] / std::exp(cases[i].logBF), 1.0, 1e-6);
+        if (cases[i].logBF > -700) { EXPECT_NEAR(rig.bf[i] / std::exp(cases[i].logBF), 1.0, 1e-6); }
         EXPECT_TRUE(std::isfinite(rig.bf[i]));
     }
-    // The first pair leaving out more than 1e-6 is the first one of all;
-    // more than 1% first at n = 1e5.
+    // More than 1e-6 left out first at pair 0; more than 1% first at n = 1e5.
     EXPECT_EQ(task->GetTruncationNotice().pair, 0);
     EXPECT_NEAR(task->GetTruncationNotice().share / cases[0].share, 1.0, 1e-6);
     EXPECT_EQ(task->GetTruncationSevere().pair, 12);
@@ -52,8 +48,7 @@ TEST(CorrelationJZS, FactorsMatchHighPrecisionIntegrals) {
 }
 
 TEST(CorrelationJZS, TruncationWarningsThroughTheProcedure) {
-    // Five records weighted 2e7 each carry v0 and v1 (n = 1e8 for that
-    // pair); five of weight 1 carry v0 and v2 (n = 5); v1 and v2 never meet.
+    // v0 with v1: five records weighted 2e7 (n = 1e8); v0 with v2: n = 5; v1 and v2 never meet.
     const std::vector<double> v0 = {1, 2, 3, 4, 5, 1, 2, 3, 4, 5};
     const std::vector<double> v1 = {2, 1, 4, 3, 6, kMiss, kMiss, kMiss, kMiss, kMiss};
     const std::vector<double> v2 = {kMiss, kMiss, kMiss, kMiss, kMiss, 2, 4, 1, 3, 5};
