@@ -1,7 +1,5 @@
-// The correlation procedure: what each analysis type fills, the plot axis,
-// and data at the edges (three cases, n = 1e8 through weights, |r| near 1,
-// constant variables, a pair without cases) that must give numbers or the
-// missing value, never NaN or infinity.
+// The correlation procedure: what each analysis type fills, the plot axis, and
+// data at the edges that must give numbers or the missing value, never NaN.
 #include <tuple>
 
 #include "tests/correlation/corrtestsupport.h"
@@ -24,8 +22,7 @@ TEST(CorrelationDriver, AnalysisTypeDecidesWhatIsFilled) {
         for (const auto* v : {&o.GetPosteriorMode(), &o.GetPosteriorMean(), &o.GetPosteriorVariance(),
                               &o.GetPosteriorLowerBound(), &o.GetPosteriorUpperBound()})
             EXPECT_EQ(v->size(), posterior);
-        // Four points strictly inside (-1, 1); curves for the first two
-        // pairs, filled by the posterior stage.
+        // Four points strictly inside (-1, 1); posterior curves for the first two pairs.
         ASSERT_EQ(o.GetPlotXAxis().size(), 4u);
         for (int i = 0; i < 4; ++i) EXPECT_NEAR(o.GetPlotXAxis()[i], -0.6 + 0.4 * i, 1e-15);
         ASSERT_EQ(o.GetPlotPosterior().size(), 2u);
@@ -46,8 +43,7 @@ TEST(CorrelationDriver, AnalysisTypeDecidesWhatIsFilled) {
 }
 
 TEST(CorrelationDriver, EdgesGiveNumbersOrMissingNeverNaN) {
-    // r = +-0.999999 exactly is not reachable with few records; these
-    // columns have r within 1e-6 of +-1.
+    // r within 1e-6 of +-1, a constant and an empty variable.
     std::vector<double> x, nearly, against;
     for (int i = 0; i < 50; ++i) {
         x.push_back(i);
@@ -90,7 +86,7 @@ TEST(CorrelationDriver, EdgesGiveNumbersOrMissingNeverNaN) {
             ASSERT_TRUE(small.status.IsOK());
             const auto& so = small.out();
             EXPECT_EQ(so.GetVarPairN()[0], n);
-            if (n == 3) EXPECT_DOUBLE_EQ(so.GetPearsonCorrelation()[0], 0.5);
+            if (n == 3) { EXPECT_DOUBLE_EQ(so.GetPearsonCorrelation()[0], 0.5); }
             for (double v : {so.GetLogBayesFactors()[0], so.GetPosteriorMode()[0], so.GetPosteriorVariance()[0]})
                 EXPECT_FALSE(MCMV::IsMissing(v)) << n;
             expectAllFinite(so);
