@@ -1,7 +1,6 @@
-// The correlation procedure on worker threads: Bayes factors and warnings
-// identical for any thread count and task split, posteriors for the same
-// split, and cancellation leaving unreached pairs missing. Also run under
-// ThreadSanitizer.
+// The correlation procedure on worker threads: factors and warnings identical
+// for any thread count and split, posteriors for the same split, and
+// cancellation leaving unreached pairs missing (also run under TSan).
 #include <random>
 
 #include "platform/threads/mcthreadpoolfactory.h"
@@ -70,6 +69,7 @@ TEST(CorrelationThreads, FactorsIdenticalForAnyThreadCountAndSplit) {
         EXPECT_EQ(serial.procedure.GetNTasks(), 1);
         EXPECT_EQ(serial.procedure.GetNThreads(), 0);
         const auto& ref = serial.out();
+        std::vector<std::vector<double>> sameSplit;
         // 66 pairs: 65 a task makes two tasks, 66 one task on the calling
         // thread, as does a single thread allowed.
         for (const auto& [threads, perTask] :
@@ -96,16 +96,15 @@ TEST(CorrelationThreads, FactorsIdenticalForAnyThreadCountAndSplit) {
                 EXPECT_NE(o.GetPosteriorMean()[split], ref.GetPosteriorMean()[split]);
             }
             EXPECT_EQ(o.GetPlotPosterior().size(), 5u);
+            if (perTask == 7 && threads > 1) {  // the same split: the same posteriors whatever the threads
+                std::vector<std::vector<double>> post = o.GetPlotPosterior();
+                for (const auto* v : {&o.GetPosteriorMode(), &o.GetPosteriorMean(), &o.GetPosteriorVariance(),
+                                      &o.GetPosteriorLowerBound(), &o.GetPosteriorUpperBound()})
+                    post.push_back(*v);
+                if (sameSplit.empty()) sameSplit = post;
+                else EXPECT_EQ(post, sameSplit);
+            }
         }
-        // The same split gives the same posteriors whatever the threads.
-        Threaded two(s, 2, 7, cols), eight(s, 8, 7, cols);
-        const auto& a = two.run->out();
-        const auto& b = eight.run->out();
-        using Out = BSNPearsonCorrelationOutputStats;
-        for (auto get : {&Out::GetPosteriorMode, &Out::GetPosteriorMean, &Out::GetPosteriorVariance,
-                         &Out::GetPosteriorLowerBound, &Out::GetPosteriorUpperBound})
-            EXPECT_EQ((a.*get)(), (b.*get)());
-        EXPECT_EQ(a.GetPlotPosterior(), b.GetPlotPosterior());
     }
 }
 
@@ -142,9 +141,8 @@ TEST(CorrelationThreads, CancellationLeavesUnreachedPairsMissing) {
         EXPECT_FALSE(MCMV::IsMissing(rig.mean[1]));
         EXPECT_TRUE(MCMV::IsMissing(rig.mean[2]) && MCMV::IsMissing(rig.mode[3]));
     }
-    // On two threads, with pairs slow enough (300,000 draws each) for the
-    // progress report of the waiting thread to raise the flag mid-run: the
-    // build reports the cancellation, and every pair is either done or
+    // On two threads, pairs slow enough (300,000 draws) for the waiting
+    // thread's report to raise the flag mid-run: every pair is done or
     // missing as a whole.
     {
         MCCommon_850::MCAtomicCancel cancel;
