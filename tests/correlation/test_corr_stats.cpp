@@ -1,7 +1,5 @@
-// The pair statistics of the correlation procedure: pair order, r and N
-// under pairwise and listwise deletion against R's cor() on the data
-// expanded by rounded weights (0, 0.49, 0.5, 1.5, 2.4 and missing), the
-// pass's warnings and errors, and its progress.
+// The correlation pass: pair order, r and N against R's cor() on the data
+// expanded by rounded weights, its warnings, errors and progress.
 #include <tuple>
 
 #include "tests/correlation/corrtestsupport.h"
@@ -76,8 +74,7 @@ TEST(CorrelationStats, WarningsOncePerAnalysisNamingTheFirstPair) {
     CorrRun run(corrSettings({0, 1, 2, 3, 4}), {x, constant, twice, lone, none});
     ASSERT_TRUE(run.status.IsOK()) << run.status.GetCode();
     EXPECT_TRUE(run.procedure.IsModelBuilt());
-    // Pairs: 0 (x,c) 1 (x,twice) 2 (x,lone) 3 (x,none) 4 (c,twice) 5 (c,lone)
-    //        6 (c,none) 7 (twice,lone) 8 (twice,none) 9 (lone,none)
+    // Pairs: 0 (x,c) 1 (x,twice) 2 (x,lone) 3 (x,none) 4 (c,twice) 5 (c,lone) 6 (c,none) ...
     const std::vector<int> codes = run.codes();
     EXPECT_EQ(std::vector<int>(codes.begin(), codes.begin() + 3), (std::vector<int>{410006, 410008, 410009}));
     EXPECT_EQ(run.warning(410006).GetDiscreteDatum(0), 2);
