@@ -1,6 +1,5 @@
 #pragma once
-// Shared pieces of the independent-samples tests: settings, reading the
-// reference tables under tests/data, and the result of a run.
+// Shared pieces of the independent-samples tests: settings, columns, tables under tests/data.
 #include <fstream>
 #include <map>
 #include <sstream>
@@ -39,8 +38,7 @@ inline std::vector<std::vector<double>> groupColumns(const std::vector<double>& 
 
 inline const BSN2SampleIndOutputStats& output(const NormalRun& r) { return r.result<BSN2SampleIndOutputStats>(); }
 
-// A CSV table under tests/data: one map from column name to text per row
-// (a trailing empty field counts).
+// A CSV table under tests/data: a map from column name to text per row.
 inline std::vector<std::map<std::string, std::string>> readTable(const std::string& name) {
     std::ifstream in(std::string(BSN_SOURCE_DIR) + "/tests/data/" + name);
     auto split = [](std::string text) {
