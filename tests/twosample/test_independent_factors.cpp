@@ -3,7 +3,6 @@
 // evaluations of each factor (tests/data).
 #include <numbers>
 
-#include "bsn/twosample/bsn2sampleindbayesfactor.h"
 #include "bsn/twosample/gonenbayesfactor.h"
 #include "bsn/twosample/hyperpriorbayesfactor.h"
 #include "bsn/twosample/rouderbayesfactor.h"
@@ -35,8 +34,7 @@ TEST(IndependentTests, PooledAndWelchAsRAndExactArithmetic) {
     for (std::size_t i = 0; i < 2; ++i) {
         SCOPED_TRACE(exact[i].at("variable"));
         const auto& e = exact[i];
-        // Relative tolerance: x is near 10; y near 1e9 with a spread of 1e-3,
-        // where only the shifted accumulation keeps the digits.
+        // y is near 1e9 with a spread of 1e-3: only the shifted accumulation keeps the digits.
         const double tol = i == 0 ? 1e-12 : 1e-8;
         EXPECT_EQ(o.GetGroup1StatsNs()[i], number(e, "n0"));
         EXPECT_EQ(o.GetGroup2StatsNs()[i], number(e, "n1"));
@@ -52,7 +50,7 @@ TEST(IndependentTests, PooledAndWelchAsRAndExactArithmetic) {
         for (const auto& [ours, key] : stats) {
             EXPECT_LT(rel(ours, number(e, key)), tol) << key;
             // x: also R's t.test on the rows repeated by their weights.
-            if (i == 0) EXPECT_LT(rel(ours, number(rRows.at(0), key)), 1e-12) << "R " << key;
+            if (i == 0) { EXPECT_LT(rel(ours, number(rRows.at(0), key)), 1e-12) << "R " << key; }
         }
     }
 }
@@ -81,8 +79,7 @@ TEST(IndependentTests, HugeWeightsAndExtremeTStayFinite) {
             for (double v : {o.GetTValues()[0], o.GetSigs()[0], o.GetWelchTValues()[0], o.GetWelchSigs()[0],
                              o.GetModeValues()[0], o.GetLowerLimits()[0], o.GetUpperLimits()[0]})
                 EXPECT_FALSE(MCMV::IsMissing(v));
-            // The factor underflows to 0 for t = 50; its logarithm, computed
-            // on the log scale, then carries it.
+            // For t = 50 the factor underflows to 0 and its log-scale logarithm carries it.
             const double bf = o.GetBayesFactors()[0], lbf = o.GetLogBayesFactors()[0];
             if (t < 1.0) {
                 EXPECT_GT(bf, 1.0);  // a huge sample with t near 0 favours equal means
@@ -118,16 +115,14 @@ TEST(IndependentFactors, RouderAgreesWithTheIntegralToInfinityAndTheBoundedOne) 
         EXPECT_LT(rel(precise, number(bounded[k], "bf01_bounded")), 1e-8);
         EXPECT_LT(rel(ours, number(bounded[k], "bf01_bounded")), 1e-6);
     }
-    // Where the factor underflows its logarithm still agrees with an
-    // independent evaluation (a billion cases, t = 100: ln BF near -4989).
+    // Underflowed, its logarithm still agrees with an independent evaluation (n = 1e9, t = 100).
     MCCommon_850::MCWarnings w;
     EXPECT_NEAR(RouderBayesFactor::LogFactor(s, 1e9, 1e9 - 1, 100.0, w), -4989.38757089456, 1e-6);
     EXPECT_EQ(RouderBayesFactor::Factor(s, 1e9, 1e9 - 1, 100.0, w), 0.0);
 }
 
 TEST(IndependentFactors, ComputationTypeChoosesTheFactor) {
-    // Two groups with pooled t = 1.5 or so; Siow (0), Zellner (1) and Rouder
-    // (3) all give the JZS factor, Monte Carlo close to it.
+    // Siow, Zellner and Rouder all give the JZS factor, Monte Carlo close to it.
     const auto cols = groupColumns({4.1, 5.3, 3.8, 6.0, 5.1, 4.4}, {5.9, 6.4, 5.0, 7.2, 6.1, 5.5, 6.8});
     auto settings = [](BC::RegrCompute kind) {
         BSNSettings s = indepSettings({0}, 1, BC::BayesFactor);
@@ -198,8 +193,7 @@ TEST(IndependentFactors, LogNonCentralDensityAgainstItsClosedForm) {
             << df << " " << delta << " " << x;
     }
     EXPECT_TRUE(MCMV::IsMissing(GonenBayesFactor::LogNonCentralPdfT(1.0, 0.0, 1.0)));
-    // Far below the double range the logarithm is still finite and keeps
-    // falling.
+    // Far below the double range the logarithm is still finite and keeps falling.
     const double a = GonenBayesFactor::LogNonCentralPdfT(3.0, 1e9, 400.0);
     const double b = GonenBayesFactor::LogNonCentralPdfT(3.0, 1e9, 500.0);
     EXPECT_NEAR(a, -0.5 * std::log(2 * std::numbers::pi) - 397.0 * 397.0 / 2, 1e-3);
