@@ -23,20 +23,8 @@ BSNSettings relatedSettings(std::vector<int> first, std::vector<int> second, BC:
 
 const BSN2SampleRelatedOutputStats& output(const NormalRun& r) { return r.result<BSN2SampleRelatedOutputStats>(); }
 
-// Differences first - second over the rows where both are present, with
-// their weights.
-void differences(const std::vector<double>& a, const std::vector<double>& b, const std::vector<double>& w,
-                 std::vector<double>& d, std::vector<double>& dw) {
-    for (std::size_t i = 0; i < a.size(); ++i) {
-        if (MCMV::IsMissing(a[i]) || MCMV::IsMissing(b[i]) || w[i] == 0) continue;
-        d.push_back(a[i] - b[i]);
-        dw.push_back(w[i]);
-    }
-}
-
 // Counts how often the procedure touches the records.
-class CountingIter : public MCCommon_850::ColumnRecordIter {
-public:
+struct CountingIter : MCCommon_850::ColumnRecordIter {
     using ColumnRecordIter::ColumnRecordIter;
     bool Advance() override {
         ++advances;
@@ -63,13 +51,18 @@ TEST(Related, DifferenceStatisticsTTestAndPosterior) {
     EXPECT_TRUE(r.component.GetWarningMessages().IsEmpty());
     const auto& o = output(r);
 
-    // The differences' statistics decide all the shared normal-mean code
-    // computes; the lower limit shows they reach the posterior (Jeffreys 2:
-    // t with N - 1 df around the mean, scale^2 s^2/N).
+    // The differences' statistics feed the shared normal-mean code; the lower
+    // limit shows they reach the posterior (Jeffreys 2: t, N - 1 df, scale^2 s^2/N).
     for (int p = 0; p < 2; ++p) {
         SCOPED_TRACE(p);
+        // The differences where both are present (weight 0 elsewhere).
+        const std::vector<double> &a = p == 0 ? x1 : x2, &b = p == 0 ? y1 : y2;
         std::vector<double> d, dw;
-        differences(p == 0 ? x1 : x2, p == 0 ? y1 : y2, rounded, d, dw);
+        for (std::size_t i = 0; i < a.size(); ++i) {
+            const bool both = !MCMV::IsMissing(a[i]) && !MCMV::IsMissing(b[i]);
+            d.push_back(both ? a[i] - b[i] : 0.0);
+            dw.push_back(both ? rounded[i] : 0.0);
+        }
         const Moments m = moments(d, dw);
         const double se = std::sqrt(m.var / m.n), t = (m.mean - s.GetNullValues()[p]) / se;
         EXPECT_DOUBLE_EQ(o.GetNs()[p], m.n);
@@ -78,8 +71,7 @@ TEST(Related, DifferenceStatisticsTTestAndPosterior) {
         EXPECT_NEAR(o.GetTValues()[p], t, 1e-10);
         EXPECT_NEAR(o.GetLowerLimits()[p], m.mean - bm::quantile(bm::students_t(m.n - 1), 0.975) * se, 1e-9);
     }
-    // Pair 2 is tested at its own mean: t = 0 and the Simple factor is
-    // sqrt(1 + N g).
+    // Pair 2 is tested at its own mean: t = 0 and the Simple factor is sqrt(1 + N g).
     EXPECT_NEAR(o.GetTValues()[1], 0.0, 1e-12);
     EXPECT_NEAR(o.GetBayesFactors()[1], std::sqrt(1.0 + o.GetNs()[1] * 3.0), 1e-10);
     EXPECT_GT(o.GetBayesFactors()[0], 0.0);
@@ -96,14 +88,11 @@ TEST(Related, ConstantAndEmptyPairs) {
     ASSERT_TRUE(r.status.IsOK()) << r.status.GetCode();
     const auto& o = output(r);
 
-    const auto& warnings = r.component.GetWarningMessages();
-    ASSERT_EQ(r.warningCodes(), (std::vector<int>{410028, 410028, 410029}));
-    EXPECT_EQ(warnings.Get(0).GetDiscreteDatum(0), 0);
-    EXPECT_EQ(warnings.Get(1).GetDiscreteDatum(0), 1);  // a variable paired with itself
-    EXPECT_EQ(warnings.Get(2).GetDiscreteDatum(0), 3);
+    std::vector<std::pair<int, int>> warnings;  // code and pair; pair 1 is a variable paired with itself
+    for (const auto& w : r.component.GetWarningMessages()) warnings.emplace_back(w.GetCode(), w.GetDiscreteDatum(0));
+    EXPECT_EQ(warnings, (std::vector<std::pair<int, int>>{{410028, 0}, {410028, 1}, {410029, 3}}));
 
-    // Constant differences: counts, mean and zero spread, but no t, factor
-    // or posterior.
+    // Constant differences: counts, mean and zero spread, but no t, factor or posterior.
     for (int p : {0, 1}) {
         const std::vector<double> got = {o.GetNs()[p],      o.GetDFValues()[p],      o.GetMeanValues()[p],
                                          o.GetStdDevs()[p], o.GetEMs()[p],           o.GetTValues()[p],
@@ -119,9 +108,8 @@ TEST(Related, ConstantAndEmptyPairs) {
     EXPECT_FALSE(MCMV::IsMissing(o.GetTValues()[2]));
     EXPECT_FALSE(MCMV::IsMissing(o.GetPostMeanValues()[2]));
 
-    // A difference constant but for the rounding of the stored values
-    // (second = first + 0.1 in floating point) is constant too, not a
-    // spread of 1e-16 that would give an absurd t.
+    // second = first + 0.1 in floating point is a constant difference too, not a spread
+    // of 1e-16 that would give an absurd t.
     std::vector<double> x = {7.7, 22.8, 78.0, 31.9, 43.8, 97.8}, y;
     for (double v : x) y.push_back(v + 0.1);
     NormalRun near(relatedSettings({0}, {1}, BC::Both), {x, y});
@@ -160,8 +148,7 @@ TEST(Related, ListErrorsNoRecordsAndCancellation) {
         EXPECT_FALSE(r.component.IsModelBuilt());
     }
     for (int frequency : {1, 100}) {
-        // Cancelled inside the pass (report after record 1) or right after
-        // it (final report): both end with the bare cancellation status.
+        // Cancelled inside the pass (after record 1) or at its final report: the bare cancellation.
         MCCommon_850::MCAtomicCancel cancel;
         CancellingListener listener(cancel, 1);
         BSNSettings s = relatedSettings({0}, {1}, BC::Both);
@@ -188,9 +175,7 @@ TEST(Related, AnalysisTypesFillOnlyTheirResults) {
     ASSERT_TRUE(post.status.IsOK());
     EXPECT_EQ(listener.records, (std::vector<int>{5}));
     const auto& p = output(post);
-    EXPECT_TRUE(p.GetBayesFactors().empty());
-    EXPECT_TRUE(p.GetTValues().empty());
-    EXPECT_TRUE(p.GetSigs().empty());
+    for (const auto* v : {&p.GetBayesFactors(), &p.GetTValues(), &p.GetSigs()}) EXPECT_TRUE(v->empty());
     EXPECT_EQ(p.GetPostMeanValues().size(), 1u);
 
     BSNSettings s = relatedSettings({0}, {1}, BC::BayesFactor);
