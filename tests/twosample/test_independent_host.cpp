@@ -1,14 +1,8 @@
-// The independent-samples analysis through the host: text group labels,
-// the JSON getters, the tables and their notes, the plot sets with their
-// annotations, and the example with its plots and report.
-#include <gtest/gtest.h>
+// The independent-samples analysis through the host: text group labels, the
+// JSON getters, the tables, the plot sets with their annotations, and the
+// example with its plots and report.
 
-#include <algorithm>
-#include <cmath>
 #include <filesystem>
-#include <sstream>
-#include <string>
-#include <vector>
 
 #include <nlohmann/json.hpp>
 
@@ -23,25 +17,20 @@ using namespace indeptest;
 namespace {
 
 struct HostRun {
-    int code = -1;
+    int code;
     std::string out, err;
     json doc;
 };
 
-// bsn run SETTINGS DATA --json DIR/r.json EXTRA...
+// bsn run SETTINGS DATA --json DIR/r.json ARGS...
 HostRun runHost(const bsntest::TempDir& dir, const std::string& settings, const std::string& data,
-                std::vector<std::string> extra = {}) {
-    std::vector<std::string> args{"bsn", "run", settings, data, "--json", dir.Path("r.json")};
-    args.insert(args.end(), extra.begin(), extra.end());
+                std::vector<std::string> args = {}) {
+    args.insert(args.begin(), {"bsn", "run", settings, data, "--json", dir.Path("r.json")});
     std::vector<const char*> argv;
     for (const auto& a : args) argv.push_back(a.c_str());
     std::ostringstream out, err;
-    HostRun r;
-    r.code = bsncli::Main(static_cast<int>(argv.size()), argv.data(), out, err);
-    r.out = out.str();
-    r.err = err.str();
-    if (std::filesystem::exists(dir.Path("r.json"))) r.doc = json::parse(bsntest::TempDir::Read(dir.Path("r.json")));
-    return r;
+    const int code = bsncli::Main(static_cast<int>(argv.size()), argv.data(), out, err);
+    return {code, out.str(), err.str(), json::parse(bsntest::TempDir::Read(dir.Path("r.json")))};
 }
 
 // Group "b" and "a" (coded a = 0, b = 1), a third category "c" and a
@@ -60,8 +49,6 @@ TEST(IndependentHost, TextGroupsJsonAndTables) {
     const HostRun r = runHost(dir, dir.Write("s.json", settings), dir.Write("d.csv", kData));
     ASSERT_EQ(r.code, 0) << r.err;
     const json& res = r.doc["results"];
-    EXPECT_EQ(res["GetOutputType"], 4);
-    EXPECT_EQ(res["GetModelType"], 2);
     const std::vector<std::string> keys = {
         "GetModelType", "GetOutputType", "GetSettings", "GetGroupStatsVarIndices", "GetGroup1StatsNs",
         "GetGroup1MeanValues", "GetGroup1StdDevs", "GetGroup1EMs", "GetGroup2StatsNs", "GetGroup2MeanValues",
@@ -83,8 +70,7 @@ TEST(IndependentHost, TextGroupsJsonAndTables) {
     EXPECT_NEAR(std::log(res["GetBayesFactors"][0].get<double>()), res["GetLogBayesFactors"][0].get<double>(), 1e-12);
     EXPECT_EQ(res["GetSettings"]["GroupVar"], "grp");
 
-    // The tables; z (constant in both groups) has no test, and the warning
-    // names it.
+    // The tables; z (constant in both groups) has no test, and the warning names it.
     for (const char* expected : {"Group statistics (frequency-weighted) by grp", "N a", "Mean b",
                                  "Independent-samples t tests (b - a)", "Welch t", "log BF",
                                  "Posterior of the difference of means (b - a)",
@@ -94,8 +80,7 @@ TEST(IndependentHost, TextGroupsJsonAndTables) {
 }
 
 TEST(IndependentHost, PlotSetsCarryTheirAnnotations) {
-    // A huge sample through weights and t = 50: the factor underflows, so
-    // the picture carries its logarithm.
+    // n = 1e9 through weights and t = 50: the factor underflows; the picture carries its log.
     const double n = 5e8, sp = std::sqrt(0.25 * n / (n - 1)), d = 50.0 * sp * std::sqrt(2.0 / n);
     BSNSettings s = indepSettings({0}, 1);
     s.SetFrequencyWeightVar(2);
@@ -141,8 +126,7 @@ TEST(IndependentHost, ExampleRunsWithPlotsAndReport) {
     ASSERT_EQ(r.code, 0) << r.err;
     EXPECT_EQ(r.doc["status"]["code"], 0);
     EXPECT_TRUE(r.doc["warnings"].empty());
-    // Two variables: each group mean and the difference; the report holds
-    // the same six pictures and the four tables.
+    // Two variables: each group mean and the difference; the report holds them and four tables.
     EXPECT_EQ(std::distance(std::filesystem::directory_iterator(plots), {}), 6);
     const std::string html = bsntest::TempDir::Read(report);
     auto count = [&](const std::string& what) {
