@@ -21,18 +21,9 @@ inline BSNSettings modelSettings(char model) {
     BSNSettings s;
     s.SetModelType(model == 'C' ? BC::Anova : BC::Regression, true);
     s.SetDependVar(kY);
-    if (model == 'A') {
-        s.SetFactors({kG});
-        s.SetFactorNCategs({3});
-        s.SetCovariates({kX1, kX2});
-    } else if (model == 'B') {
-        s.SetFactors({kH});
-        s.SetFactorNCategs({4});
-        s.SetCovariates({kX1});
-    } else {
-        s.SetFactors({kG});
-        s.SetFactorNCategs({3});
-    }
+    s.SetFactors({model == 'B' ? kH : kG});
+    s.SetFactorNCategs({model == 'B' ? 4 : 3});
+    if (model != 'C') s.SetCovariates(model == 'A' ? std::vector<int>{kX1, kX2} : std::vector<int>{kX1});
     s.SetFrequencyWeightVar(kFreq);
     s.SetRegrWeightVar(kRW);
     s.SetAnalysType(BC::Both);
