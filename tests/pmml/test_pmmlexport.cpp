@@ -70,29 +70,17 @@ std::map<std::string, std::string> fields(const std::vector<double>& v) {
     return {{"x1", text(v[kX1])}, {"x2", text(v[kX2])}, {"g", label(kG, kGLabels)}, {"h", label(kH, kHLabels)}};
 }
 
-BSNSettings conjugateA() {
-    BSNSettings s = modelSettings('A');
-    s.SetPriorType(BC::Conjugate);
-    s.SetPriorShape(3);
-    s.SetPriorScale(2);
-    s.SetPriorMeans({1, 0.5, -0.5, 123.0, 0.7, -0.2});
-    return s;
-}
-
 } // namespace
 
 TEST(PmmlExport, DocumentsReadBackPredictWhatScorePredicts) {
-    BSNSettings bfOnly = modelSettings('A');
+    BSNSettings bfOnly = modelSettings('A'), conjugate = modelSettings('A');
     bfOnly.SetAnalysType(BC::BayesFactor);
-    const struct {
-        const char* name;
-        BSNSettings settings;
-        bool covariance;
-    } cases[] = {
+    setConjugatePrior(conjugate, false);
+    const struct { const char* name; BSNSettings settings; bool covariance; } cases[] = {
         {"A reference (dense rows)", modelSettings('A'), true},
         {"B reference (sparse rows)", modelSettings('B'), true},
         {"C ANOVA", modelSettings('C'), true},
-        {"A conjugate", conjugateA(), true},
+        {"A conjugate", conjugate, true},
         {"A without posterior", bfOnly, false},
     };
     const auto training = readColumns("regr_small.csv");
@@ -257,13 +245,9 @@ TEST(PmmlExport, StatusesForMissingVariablesAndBadInputs) {
 
 TEST(PmmlExport, CategoryValueTypesAndNumberTexts) {
     using MCCommon_850::MCPMMLExporter;
-    const struct {
-        std::vector<std::string> labels;
-        int n;
-        const char* type;
-    } cases[] = {{{"1", "2", "-10"}, 3, "integer"}, {{"1", "2.5"}, 2, "double"}, {{"1", "1e3"}, 2, "double"},
-                 {{"1", "a"}, 2, "string"},         {{"1", " 2"}, 2, "string"},   {{}, 3, "integer"},
-                 {{"a"}, 2, "string"}};
+    const struct { std::vector<std::string> labels; int n; const char* type; } cases[] = {
+        {{"1", "2", "-10"}, 3, "integer"}, {{"1", "2.5"}, 2, "double"}, {{"1", "1e3"}, 2, "double"},
+        {{"1", "a"}, 2, "string"}, {{"1", " 2"}, 2, "string"}, {{}, 3, "integer"}, {{"a"}, 2, "string"}};
     for (const auto& c : cases) {
         MCXML_850::MCContVar v("f", MCXML_850::MCVarKind::Nominal);
         v.SetValueLabels(c.labels);
