@@ -85,7 +85,7 @@ TEST(LogLinearPosterior, PairsOverNonEmptyRowsAndColumns) {
     EXPECT_EQ(two.Result()->GetPosteriorPairs(), (std::vector<std::array<int, 4>>{{0, 1, 0, 2}}));
 }
 
-TEST(LogLinearPosterior, ImproperPairsStayMissing) {
+TEST(LogLinearPosterior, ImproperAndTooManyPairsStayMissing) {
     // Shape 0 on an empty cell leaves Gamma(0): no proper posterior for the
     // pairs that use it (420041 once); the other pairs are estimated.
     const Matrix table{{5, 0, 7}, {3, 9, 1}};
@@ -107,17 +107,16 @@ TEST(LogLinearPosterior, ImproperPairsStayMissing) {
     EXPECT_EQ(wrong.status.GetCode(), 410060);
     EXPECT_EQ(wrong.status.GetDiscreteDatum(0), 6);
     EXPECT_EQ(wrong.status.GetDiscreteDatum(1), 3);
-}
 
-TEST(LogLinearPosterior, TooManyPairsAreRefusedNotAttempted) {
-    // 81 × 81 non-empty categories: 3240² = 10.5 million pairs.
-    BSNSettings s = Settings(81, 81);
-    s.SetAnalysType(BSNConst::Posterior);
-    Build b(s, Matrix(81, std::vector<double>(81, 1.0)));
-    ASSERT_NE(b.Result(), nullptr);
-    EXPECT_EQ(b.WarningCodes(), std::vector<int>{420042});
-    EXPECT_TRUE(b.Result()->GetPosteriorEstimations().empty());
-    EXPECT_NE(b.Result()->GetChiSquareResult().GetWald(), kMiss);
+    // 81 × 81 non-empty categories: 3240² = 10.5 million pairs, refused
+    // rather than attempted.
+    BSNSettings big = Settings(81, 81);
+    big.SetAnalysType(BSNConst::Posterior);
+    Build many(big, Matrix(81, std::vector<double>(81, 1.0)));
+    ASSERT_NE(many.Result(), nullptr);
+    EXPECT_EQ(many.WarningCodes(), std::vector<int>{420042});
+    EXPECT_TRUE(many.Result()->GetPosteriorEstimations().empty());
+    EXPECT_NE(many.Result()->GetChiSquareResult().GetWald(), kMiss);
 }
 
 TEST(LogLinearPosterior, DensityCurvesOfTheFirstPairs) {
