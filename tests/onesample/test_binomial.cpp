@@ -7,8 +7,7 @@
 #include "discrete_test_support.h"
 
 using namespace discrete_test;
-using MCBSN_850::BSN1SampleBinoOutputStats;
-using MCBSN_850::BSNSettings;
+using namespace MCBSN_850;
 namespace C = MCBSN_850::BSNConst;
 
 namespace {
@@ -40,12 +39,10 @@ TEST(OneSampleBinomial, BayesFactorsMatchClosedFormAndIntegratedMarginals) {
     const std::vector<double> v2{1, 1, 0, 1, 1, 0, 1, 0, 1, 1};              // n 10, x 7
     Build run(s, {v0, v1, v2});
     ASSERT_TRUE(run.status.IsOK());
-    const auto* out = run.As<BSN1SampleBinoOutputStats>();
-    ASSERT_NE(out, nullptr);
-    EXPECT_EQ(out->GetOutputType(), C::Output1SampleBinomial);
+    const auto* out = &run.Result<BSN1SampleBinoOutputStats>();
     EXPECT_EQ(out->GetVarIndices(), (std::vector<int>{0, 1, 2}));
     const auto& bf = out->GetBayesFactors();
-    EXPECT_NEAR(bf[0], std::exp(lnBeta(7, 7) + lnBeta(1, 1) - lnBeta(6, 6) - lnBeta(2, 2)), 1e-12);
+    EXPECT_NEAR(bf[0], std::exp(lnBF(10, 5, 2, 2, 1, 1)), 1e-12);
     EXPECT_NEAR(bf[1], std::exp(lnBF(6, 4, 2.5, 1.5, 0, 0)), 1e-12 * bf[1]);
     EXPECT_NEAR(out->GetLogBayesFactors()[1], lnBF(6, 4, 2.5, 1.5, 0, 0), 1e-12);
     EXPECT_EQ(out->GetIsLogBayesFactor(), (std::vector<bool>{false, false, false}));
@@ -68,12 +65,10 @@ TEST(OneSampleBinomial, PosteriorSummariesModesAndIntervals) {
     BSNSettings s = binomialSettings({0, 1, 2, 3, 4, 5}, C::Posterior);
     s.SetPriorParam1(0.5);
     s.SetPriorParam2(0.5);
-    std::vector<double> v5(12, 0.0);
-    for (int k = 0; k < 4; ++k) v5[k] = 1.0;  // n 12, x 4
+    const std::vector<double> v5{1, 1, 1, 1, 0, 0, 0, 0, 0, 0, 0, 0};  // n 12, x 4
     Build run(s, {{0, kMiss, kMiss}, {1, kMiss, kMiss}, {0.5, kMiss, kMiss}, {1, 1, 0.5}, {0.5, 0, kMiss}, v5});
     ASSERT_TRUE(run.status.IsOK());
-    const auto* out = run.As<BSN1SampleBinoOutputStats>();
-    ASSERT_NE(out, nullptr);
+    const auto* out = &run.Result<BSN1SampleBinoOutputStats>();
     // Every branch of the mode: α < 1 ≤ β, β < 1 ≤ α, flat (the centre),
     // β = 1 < α, α = 1 < β, interior.
     const std::vector<double> modes{0.0, 1.0, 0.5, 1.0, 0.0, 3.5 / 11.0};
@@ -90,8 +85,7 @@ TEST(OneSampleBinomial, PosteriorSummariesModesAndIntervals) {
     EXPECT_NEAR(out->GetUpperLimits()[3], std::cbrt(0.975), 1e-12);
     EXPECT_NEAR(out->GetLowerLimits()[4], 1 - std::sqrt(0.975), 1e-12);
     // v3: two successes and a half out of three trials.
-    EXPECT_EQ(out->GetCat1Ns()[3], 2.5);
-    EXPECT_EQ(out->GetCat2Ns()[3], 0.5);
+    EXPECT_EQ((std::pair{out->GetCat1Ns()[3], out->GetCat2Ns()[3]}), (std::pair{2.5, 0.5}));
 
     // Prior Beta(0.2, 0.3) and one half success: the U-shaped Beta(0.7, 0.8)
     // keeps (α − 1)/(α + β − 2); 90% limits of Beta(2.2, 5.3) hold 5% and 95%.
@@ -100,73 +94,63 @@ TEST(OneSampleBinomial, PosteriorSummariesModesAndIntervals) {
     s.SetPriorParam2(0.3);
     s.SetCILevel(90.0);
     Build u(s, {{0.5, kMiss, kMiss, kMiss, kMiss, kMiss, kMiss}, {1, 1, 0, 0, 0, 0, 0}});
-    out = u.As<BSN1SampleBinoOutputStats>();
-    ASSERT_NE(out, nullptr);
+    out = &u.Result<BSN1SampleBinoOutputStats>();
     EXPECT_NEAR(out->GetModeValues()[0], 0.6, 1e-14);
     EXPECT_NEAR(simpson([](double t) { return betaPdf(t, 2.2, 5.3); }, 0, out->GetLowerLimits()[1]), 0.05, 1e-7);
     EXPECT_NEAR(simpson([](double t) { return betaPdf(t, 2.2, 5.3); }, 0, out->GetUpperLimits()[1]), 0.95, 1e-7);
 }
 
-TEST(OneSampleBinomial, PlotGridCurvesAndFlatOrImproperPriors) {
-    BSNSettings s = binomialSettings({0, 1}, C::Both);
+TEST(OneSampleBinomial, PlotGridCurvesMissingDataOrAlternativeAndFlatOrImproperPriors) {
+    // v0: n 7 x 3; v1: n 7 x 6; v2 no valid value; v3 (n 4 x 3) without an
+    // alternative prior.
+    BSNSettings s = binomialSettings({0, 1, 2, 3}, C::Both);
     s.SetPriorParam1(2.0);
     s.SetPriorParam2(3.0);
-    Build run(s, {{1, 1, 0, 1, 0, 0, 0}, {1, 0, 1, 1, 1, 1, 1}});  // v0: n 7 x 3; v1: n 7 x 6
+    s.SetAlterPrior1s({1.0, 1.0, 1.0});
+    s.SetAlterPrior2s({1.0, 1.0, 1.0});
+    const std::vector<double> v2{kMiss, -1, kMiss, kMiss, kMiss, kMiss, kMiss}, v3{1, 1, 1, 0, kMiss, kMiss, kMiss};
+    Build run(s, {{1, 1, 0, 1, 0, 0, 0}, {1, 0, 1, 1, 1, 1, 1}, v2, v3});
     ASSERT_TRUE(run.status.IsOK());
-    const auto* out = run.As<BSN1SampleBinoOutputStats>();
-    ASSERT_NE(out, nullptr);
+    const auto* out = &run.Result<BSN1SampleBinoOutputStats>();
     const auto& t = out->GetPlotArguments()[0];
     ASSERT_EQ(t.size(), 100u);
     EXPECT_EQ(t.front(), 2.220446049250313e-16);
     EXPECT_DOUBLE_EQ(t.back(), 0.9999999999999996 + 2.220446049250313e-16);
     EXPECT_NEAR(t[1] - t[0], 0.9999999999999996 / 99, 1e-17);
-    for (std::size_t k : {std::size_t{0}, std::size_t{1}, std::size_t{37}, std::size_t{98}, std::size_t{99}}) {
+    for (std::size_t k : {0u, 1u, 37u, 98u, 99u}) {
         EXPECT_NEAR(out->GetPlotLikelihoods()[0][k], 3 * std::log(t[k]) + 4 * std::log1p(-t[k]), 1e-9);
         EXPECT_NEAR(out->GetPlotPrior()[0][k], betaPdf(t[k], 2, 3), 1e-9);
         EXPECT_NEAR(out->GetPlotPosterior()[0][k], betaPdf(t[k], 5, 7), 1e-9);
         EXPECT_NEAR(out->GetPlotPosterior()[1][k], betaPdf(t[k], 8, 4), 1e-9);
     }
+    // v2: warning 410037 naming it, nothing else; v3: warning 410018, no
+    // factor, but its posterior Beta(5, 4) is still made.
+    EXPECT_TRUE(run.HasWarning(410037, 2) && !run.HasWarning(410037, 0) && run.HasWarning(410018, 3));
+    EXPECT_EQ(run.Count(410018), 1) << testing::PrintToString(run.WarningCodes());
+    EXPECT_FALSE(isMissing(out->GetBayesFactors()[0]));
+    for (const auto* v : {&out->GetBayesFactors(), &out->GetLogBayesFactors()})
+        EXPECT_TRUE(isMissing((*v)[2]) && isMissing((*v)[3]));
+    for (const auto* v : {&out->GetModeValues(), &out->GetMeanValues(), &out->GetVarianceValues(),
+                          &out->GetLowerLimits(), &out->GetUpperLimits(), &out->GetCat1Props()})
+        EXPECT_TRUE(isMissing((*v)[2]));
+    EXPECT_TRUE(out->GetPlotPosterior()[2].empty());
+    EXPECT_NEAR(out->GetMeanValues()[3], 5.0 / 9.0, 1e-15);
 
     // Beta(1, 1) is drawn as its density; an improper Beta(0, 0) as the flat
     // two-point line; with no success it leaves no proper posterior.
     s = binomialSettings({0}, C::Posterior);
     s.SetNPlotPoints(11);
     Build flat(s, {{1, 0, 1}});
-    EXPECT_EQ(flat.As<BSN1SampleBinoOutputStats>()->GetPlotPrior()[0], std::vector<double>(11, 1.0));
+    EXPECT_EQ(flat.Result<BSN1SampleBinoOutputStats>().GetPlotPrior()[0], std::vector<double>(11, 1.0));
     s.SetPriorParam1(0.0);
     s.SetPriorParam2(0.0);
     Build improper(s, {{1, 0, 1}});
-    out = improper.As<BSN1SampleBinoOutputStats>();
+    out = &improper.Result<BSN1SampleBinoOutputStats>();
     EXPECT_EQ(out->GetPlotPrior()[0], (std::vector<double>{1.0, 1.0}));
     EXPECT_NEAR(out->GetMeanValues()[0], 2.0 / 3.0, 1e-15);  // Beta(2, 1)
     Build none(s, {{0, 0, 0}});
-    out = none.As<BSN1SampleBinoOutputStats>();
+    out = &none.Result<BSN1SampleBinoOutputStats>();
     EXPECT_TRUE(isMissing(out->GetMeanValues()[0]));
     EXPECT_TRUE(out->GetPlotPosterior()[0].empty());
     EXPECT_TRUE(none.HasWarning(410037, 0));
-}
-
-TEST(OneSampleBinomial, VariableWithoutDataOrAlternativeStaysMissing) {
-    BSNSettings s = binomialSettings({0, 1, 2}, C::Both);
-    s.SetAlterPrior1s({1.0, 1.0});  // nothing for v2
-    s.SetAlterPrior2s({1.0, 1.0});
-    Build run(s, {{1, 0, 0}, {kMiss, -1, kMiss}, {1, 1, 0}});
-    ASSERT_TRUE(run.status.IsOK());
-    const auto* out = run.As<BSN1SampleBinoOutputStats>();
-    ASSERT_NE(out, nullptr);
-    EXPECT_TRUE(run.HasWarning(410037, 1));
-    EXPECT_FALSE(run.HasWarning(410037, 0));
-    EXPECT_TRUE(run.HasWarning(410018, 2));
-    EXPECT_EQ(run.Count(410018), 1);
-    EXPECT_FALSE(isMissing(out->GetBayesFactors()[0]));
-    for (std::size_t i : {1, 2}) {
-        EXPECT_TRUE(isMissing(out->GetBayesFactors()[i]));
-        EXPECT_TRUE(isMissing(out->GetLogBayesFactors()[i]));
-    }
-    for (const auto* v : {&out->GetModeValues(), &out->GetMeanValues(), &out->GetVarianceValues(),
-                          &out->GetLowerLimits(), &out->GetUpperLimits(), &out->GetCat1Props()})
-        EXPECT_TRUE(isMissing((*v)[1]));
-    EXPECT_TRUE(out->GetPlotPosterior()[1].empty());
-    // v2 has no factor but its posterior (prior Beta(1, 1)) is still made.
-    EXPECT_NEAR(out->GetMeanValues()[2], 3.0 / 5.0, 1e-15);
 }
