@@ -11,18 +11,14 @@
 #include "discrete_test_support.h"
 
 using namespace discrete_test;
-using MCBSN_850::BSN1SampleBinoOutputStats;
-using MCBSN_850::BSN1SamplePoisnOutputStats;
-using MCBSN_850::BSNSettings;
+using namespace MCBSN_850;
 namespace C = MCBSN_850::BSNConst;
 
 namespace {
 
-// Test variables 1..nVars (column 0 is free for weights); alternative prior
-// Beta(1, 1) or Gamma(1.5, 0.5), posterior prior (1, 1).
-BSNSettings settingsFor(C::DistTypes dist, C::AnalysTypes type, int nVars = 1) {
-    std::vector<int> vars;
-    for (int i = 1; i <= nVars; ++i) vars.push_back(i);
+// Column 0 is free for weights; alternative prior Beta(1, 1) or
+// Gamma(1.5, 0.5), posterior prior (1, 1).
+BSNSettings settingsFor(C::DistTypes dist, C::AnalysTypes type, const std::vector<int>& vars = {1}) {
     const bool bino = dist == C::Binomial;
     return discreteSettings(dist, vars, type, 1, 1, bino ? 1.0 : 1.5, bino ? 1.0 : 0.5);
 }
@@ -66,7 +62,7 @@ TEST(OneSampleDiscrete, ProgressAndCancellation) {
         // Posterior only for the Poisson: its own posterior pass reports too.
         BSNSettings s = settingsFor(dist, dist == C::Binomial ? C::Both : C::Posterior);
         s.SetProgressFrequency(3);
-        CountingListener listener;
+        bsntest::RecordCounts listener;
         s.SetProgressListener(&listener);
         {
             // The final report comes even right after a regular one.
@@ -75,7 +71,7 @@ TEST(OneSampleDiscrete, ProgressAndCancellation) {
             EXPECT_EQ(listener.counts, (std::vector<int>{3, 6, 9, 9}));
         }
         // A cancellation inside the pass ends the build with the bare code 1.
-        CancelAfter cancel(4);
+        bsntest::CancelAfter cancel(4);
         s.SetCancelPointer(&cancel);
         {
             Build run(s, {ones, ten});
@@ -124,7 +120,7 @@ TEST(OneSampleDiscrete, FrequencyWeightsAreRoundedHalfUp) {
 TEST(OneSampleDiscrete, PoissonPriorWarningComesBeforeTheLogWarning) {
     // A rate of 500 seen a million times: the null Gamma(2, 2) has almost no
     // mass there (v1: the log is stored), and v2 has no alternative.
-    BSNSettings s = settingsFor(C::Poisson, C::BayesFactor, 2);
+    BSNSettings s = settingsFor(C::Poisson, C::BayesFactor, {1, 2});
     s.SetFrequencyWeightVar(0);
     s.SetAlterPrior1s({500.0});
     s.SetAlterPrior2s({1.0});
