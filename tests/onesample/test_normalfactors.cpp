@@ -123,48 +123,6 @@ TEST(NormalFactors, ClosedFormsAndTheirLogs) {
         EXPECT_TRUE(MCMV::IsMissing(bf) && MCMV::IsMissing(logBf)) << bf << " " << logBf;
 }
 
-TEST(NormalFactors, PerVariableChoice) {
-    // Variable 1 of 3, N 20, the mean 0.4 from its null value. Without a
-    // variance the estimation type decides; with one, the known-variance
-    // factor with its g, whose g and null-value lists must fit. A variance
-    // list of the wrong length is ignored; no t statistic: no factor of
-    // any kind, and no complaint.
-    const double jzs = jzsref::cutoffFactor(20.0, 1.3);
-    struct Case {  // bf (to a relative tol) not checked after an error
-        BSNConst::EstBFTypes type;
-        std::vector<double> g, vars, nulls;
-        double t;
-        int code;
-        double bf, tol;
-    };
-    const auto J = BSNConst::JZS;
-    const std::vector<double> var1{kMiss, 4.0, kMiss};
-    const Case cases[] = {
-        {BSNConst::Simple, {0.5, 2.0, 1.0}, {}, {}, 1.3, 0, simple(1.3, 20.0, 2.0).first, 1e-15},
-        {BSNConst::Simple, {}, {}, {}, 1.3, 410019, 0, 0},
-        {J, {}, {}, {}, 1.3, 0, jzs, 1e-6},
-        {BSNConst::Fraction, {}, {}, {}, 1.3, 0, kMiss, 0},
-        {J, {0.5, 2.0, 1.0}, var1, {0.0, 0.1, 0.0}, 1.3, 0, known(20.0, 2.0, 0.0, 4.0, 0.4).first, 1e-15},
-        {J, {0.5, 2.0}, var1, {0.0, 0.1, 0.0}, 1.3, 410019, 0, 0},
-        {J, {0.5, 2.0, 1.0}, var1, {0.1}, 1.3, 410019, 0, 0},
-        {J, {0.5, 2.0, 1.0}, {4.0, 4.0}, {}, 1.3, 0, jzs, 1e-6},
-        {J, {}, var1, {}, kMiss, 0, kMiss, 0},
-    };
-    MCWarnings w;
-    for (const Case& c : cases) {
-        SCOPED_TRACE(testing::Message() << "case " << (&c - cases));
-        BSNSettings s;
-        s.SetEstBFType(c.type);
-        s.SetAlterGValues(c.g);
-        s.SetDataVarVals(c.vars);
-        s.SetNullValues(c.nulls);
-        double bf = 0.0;
-        EXPECT_EQ(BSN1SampleNormalUtils::ComputeFactorForVariable(s, 1, 3, 20.0, c.t, 0.4, &bf, w).GetCode(), c.code);
-        if (c.code == 0) EXPECT_TRUE(MCMV::IsMissing(c.bf) ? MCMV::IsMissing(bf) : rel(bf, c.bf) < c.tol) << bf;
-    }
-    EXPECT_TRUE(w.IsEmpty());
-}
-
 TEST(NormalFactor, TTestAndJZSLoop) {
     const Data d = sample();
     BSNSettings s;
@@ -190,11 +148,13 @@ TEST(NormalFactor, TTestAndJZSLoop) {
     EXPECT_TRUE(limited.warnings.Contains(420001));
     EXPECT_FALSE(MCMV::IsMissing(limited.bf[0]));
     // Estimation types without a factor here leave everything missing quietly.
-    s.SetEstBFType(BSNConst::CustomBF);
-    const Outcome none = run(s, d);
-    EXPECT_TRUE(none.status.IsOK() && none.warnings.IsEmpty());
-    for (double v : none.bf) EXPECT_TRUE(MCMV::IsMissing(v));
-    EXPECT_NEAR(none.t[0], t0, 1e-12);
+    for (auto type : {BSNConst::CustomBF, BSNConst::Fraction}) {
+        s.SetEstBFType(type);
+        const Outcome none = run(s, d);
+        EXPECT_TRUE(none.status.IsOK() && none.warnings.IsEmpty()) << type;
+        for (double v : none.bf) EXPECT_TRUE(MCMV::IsMissing(v)) << type;
+        EXPECT_NEAR(none.t[0], t0, 1e-12);
+    }
 }
 
 TEST(NormalFactor, SimpleAndKnownVarianceLoopsRulesAndCancellation) {
@@ -244,4 +204,12 @@ TEST(NormalFactor, SimpleAndKnownVarianceLoopsRulesAndCancellation) {
     EXPECT_EQ(bad.status.GetCode(), 410019);
     EXPECT_LT(rel(bad.bf[0], jzsref::cutoffFactor(10.0, (d.mean[0] - 5.0) / d.se[0])), 1e-6);
     EXPECT_TRUE(MCMV::IsMissing(bad.bf[3]));
+    // Variables without a t (constant, one case) need no fitting lists: no
+    // factor, no complaint. A null-value list of the wrong length stops too.
+    s.SetDataVarVals({kMiss, 1.0, 1.0, kMiss});
+    EXPECT_TRUE(run(s, d).status.IsOK());
+    s.SetAlterGValues({0.5, 1.0, 1.0, 2.0});
+    s.SetDataVarVals({kMiss, 1.0, 1.0, 2.0});
+    s.SetNullValues({5.0});
+    EXPECT_EQ(run(s, d).status.GetCode(), 410019);
 }
