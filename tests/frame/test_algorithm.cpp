@@ -1,6 +1,5 @@
 #include <gtest/gtest.h>
 
-#include <algorithm>
 #include <sstream>
 #include <vector>
 
@@ -17,10 +16,9 @@ namespace {
 // A procedure that sums the weights and weighted values of variable 0 in one
 // pass and then runs a scripted list of stage statuses: enough to exercise
 // the frame's bookkeeping without any statistics.
-class ScriptedProcedure : public BSNAlgorithm {
-public:
+struct ScriptedProcedure : BSNAlgorithm {
     ScriptedProcedure(const BSNSettings& s, std::vector<MCStatus> stages, FinalReport rule = FinalReport::Always)
-        : BSNAlgorithm(s, MCXML_850::MCVarList()), m_stages(std::move(stages)), m_rule(rule) {}
+        : BSNAlgorithm(s, MCXML_850::MCVarList()), stages(std::move(stages)), rule(rule) {}
 
     MCStatus BuildModel(MCCommon_850::MultiPassRecordIter& iter) override {
         const auto add = [this](const MCCommon_850::Record& r, double w) {
@@ -28,8 +26,8 @@ public:
             sumValues += w * r.GetValue(0);
             ++used;
         };
-        if (!TakeStageStatus(RunDataPass(iter, add, m_rule))) return FinishBuild();
-        for (const MCStatus& stage : m_stages) {
+        if (!TakeStageStatus(RunDataPass(iter, add, rule))) return FinishBuild();
+        for (const MCStatus& stage : stages) {
             ++stagesRun;
             if (!TakeStageStatus(stage)) break;
         }
@@ -37,29 +35,21 @@ public:
     }
     void Display(std::ostream&) const override {}
 
+    std::vector<MCStatus> stages;
+    FinalReport rule;
     double sumWeights = 0, sumValues = 0;
     int used = 0, stagesRun = 0;
-
-private:
-    std::vector<MCStatus> m_stages;
-    FinalReport m_rule;
 };
 
-// Yields a null record at the given rows (0-based), as a source with gaps may.
-class GappyIter : public MCCommon_850::ColumnRecordIter {
-public:
-    GappyIter(const std::vector<std::vector<double>>& cols, std::vector<std::size_t> gaps)
-        : ColumnRecordIter(cols), m_gaps(std::move(gaps)) {}
-    void Reset() override { ColumnRecordIter::Reset(), m_row = 0; }
-    bool Advance() override { return ++m_row, ColumnRecordIter::Advance(); }
+// Yields a null record at one row (0-based), as a source with gaps may.
+struct GappyIter : MCCommon_850::ColumnRecordIter {
+    GappyIter(const std::vector<std::vector<double>>& cols, std::size_t gap) : ColumnRecordIter(cols), gap(gap) {}
+    void Reset() override { ColumnRecordIter::Reset(), row = 0; }
+    bool Advance() override { return ++row, ColumnRecordIter::Advance(); }
     const MCCommon_850::Record* GetRecord() const override {
-        const bool gap = std::find(m_gaps.begin(), m_gaps.end(), m_row - 1) != m_gaps.end();
-        return gap ? nullptr : ColumnRecordIter::GetRecord();
+        return row - 1 == gap ? nullptr : ColumnRecordIter::GetRecord();
     }
-
-private:
-    std::vector<std::size_t> m_gaps;
-    std::size_t m_row = 0;
+    std::size_t gap, row = 0;
 };
 
 } // namespace
@@ -79,7 +69,7 @@ TEST(Frame, FrequencyWeightsRoundHalfUp) {
     s.SetProgressFrequency(3);
     s.SetFrequencyWeightVar(1);
     std::vector<std::vector<double>> cols{{1, 2, 3, 4, 5, 6, 7}, {2.4, 2.5, 0.49, -3, MCMV::Missing(), 1, 1}};
-    GappyIter iter(cols, {6});
+    GappyIter iter(cols, 6);
     ScriptedProcedure p(s, {});
     EXPECT_TRUE(p.BuildModel(iter).IsOK());
     EXPECT_EQ(p.used, 3);
