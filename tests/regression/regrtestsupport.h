@@ -32,8 +32,7 @@ struct RegrRun : bsntest::ComponentRun {
 
 using bsntest::ScaleVars;
 
-// Regression of variable `dep` on the covariates `covs`; the model type
-// brings the reference prior.
+// Regression of variable `dep` on the covariates `covs`; the model type brings the reference prior.
 inline BSNSettings regression(int dep, const std::vector<int>& covs) {
     BSNSettings s;
     s.SetModelType(BC::Regression, true);
