@@ -1,9 +1,8 @@
 #pragma once
-// Shared pieces of the scoring and PMML tests: the models fitted to
-// tests/data/regr_small.csv whose predictions tests/data/scoring_reference.R
-// computed with R (A: y ~ g + x1 + x2, dense rows; B: y ~ h + x1, sparse
-// rows; C: one-way ANOVA of y on g), the new records of scoring_new.csv,
-// and records as the library reads them.
+// Shared pieces of the scoring and PMML tests: the models fitted to tests/data/regr_small.csv whose
+// predictions tests/data/scoring_reference.R computed with R (A: y ~ g + x1 + x2, dense rows; B: y
+// ~ h + x1, sparse rows; C: one-way ANOVA of y on g), the new records of scoring_new.csv, and
+// records as the library reads them.
 #include <string>
 #include <vector>
 
