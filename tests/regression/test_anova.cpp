@@ -25,9 +25,8 @@ BSNSettings anovaSettings(int nCategories) {
 
 TEST(Anova, CellMeansTableAndAgreementWithRegression) {
     // Factor codes 1.85 -> cell 1 and 1.95 -> cell 2 (value + 0.1, rounded down).
-    std::vector<std::vector<double>> cols = {{3, 4, 5, 7, 8, 12, 13, 10, 1e9},
-                                             {0, 0, 0.0, 1, 1.85, 1.95, 2, 2, kMiss},
-                                             {1, 2, 1, 1, 1, 3, 1, 1, 1}};
+    std::vector<std::vector<double>> cols = {
+        {3, 4, 5, 7, 8, 12, 13, 10, 1e9}, {0, 0, 0.0, 1, 1.85, 1.95, 2, 2, kMiss}, {1, 2, 1, 1, 1, 3, 1, 1, 1}};
     BSNSettings s = anovaSettings(3);
     s.SetFrequencyWeightVar(2);
     RegrRun run(s, cols, ScaleVars(3, {1}));
