@@ -67,8 +67,7 @@ TEST(RegressionFactors, ClosedFormsAndEdges) {
     const auto zero = nullFactor(BC::Hyper, 2.0, N, p, R2);
     EXPECT_EQ(zero.bf, 0.0);
     EXPECT_TRUE(MCMV::IsMissing(zero.log));
-    // An unknown method leaves the null factor missing; so does Zellner
-    // without g, with no warning.
+    // An unknown method leaves the null factor missing; so does Zellner without g, with no warning.
     EXPECT_TRUE(MCMV::IsMissing(nullFactor(BC::Gonen, kMiss).bf));
     const auto noG = nullFactor(BC::Zellner, kMiss);
     EXPECT_TRUE(MCMV::IsMissing(noG.bf));
