@@ -33,10 +33,9 @@ struct SmallRun : RegrRun {
     explicit SmallRun(const BSNSettings& s) : RegrRun(s, readColumns("regr_small.csv"), ScaleVars(7, {kG, kH})) {}
 };
 
-// What both priors give against their reference values under prefix p
-// ("ref" or "conj"): the coefficients' posteriors (the redundant one, index
-// 3, has mean 0 and nothing else), that of sigma^2, the prediction, and the
-// overall and the one custom F test.
+// What both priors give against their reference values under prefix p ("ref" or "conj"): the
+// coefficients' posteriors (the redundant one, index 3, has mean 0 and nothing else), that of
+// sigma^2, the prediction, and the overall and the one custom F test.
 void expectPosterior(const BSNMultiRegOutputStats& r, const std::string& p) {
     const auto& ref = reference();
     const auto& est = r.GetVarCoeffBayesEstimations();
@@ -172,7 +171,7 @@ TEST(RegressionFit, SparseAndDenseRowsGiveTheSameFit) {
         }
         acc.Finish();
         std::vector<double> xty;
-        double yty;
+        double yty = 0.0;
         acc.GetCrossProducts(xtx, xty, yty);
         ASSERT_TRUE(acc.Sweep(nullptr));
         coeffs = acc.GetCoefficients();
@@ -251,9 +250,8 @@ TEST(RegressionFit, ErrorsBeforeAndAfterThePass) {
 }
 
 TEST(RegressionFit, ParameterLimits) {
-    // 4999 parameters pass the check (and meet the empty data); 5000 do not.
-    // The full model's limit counts categories and covariates: 5000 drops the
-    // Bayes factor with 410058, 4999 does not.
+    // 4999 parameters pass the check (and meet the empty data); 5000 do not. The full model's limit
+    // counts categories and covariates: 5000 drops the Bayes factor with 410058, 4999 does not.
     for (const auto& [full, size] : std::vector<std::pair<bool, int>>{{0, 4997}, {0, 4998}, {1, 4998}, {1, 4999}}) {
         BSNSettings s = regression(0, {2});
         if (full) {
@@ -290,8 +288,7 @@ TEST(RegressionFit, PerfectFitAndFewCases) {
         EXPECT_EQ(MCMV::IsMissing(run.result().GetBayesFactor()), method != BC::Zellner);
         EXPECT_FALSE(run.result().IsLogBayesFactor());
     }
-    // Fewer cases than parameters: k falls to N, residual df 0, no mean
-    // square and no F.
+    // Fewer cases than parameters: k falls to N, residual df 0, no mean square and no F.
     RegrRun few(regression(0, {1, 2, 3}), {{1, 4, 2}, {0, 1, 3}, {5, 2, 2}, {1, 1, 7}});
     ASSERT_TRUE(few.status.IsOK()) << few.status.GetCode();
     const auto& a = few.result().GetAnova();
