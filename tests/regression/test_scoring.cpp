@@ -92,11 +92,9 @@ TEST(Scoring, PosteriorPartsFollowThePosteriorAndTheSetting) {
     const std::vector<double> x0 = {kMiss, 1.5, 9, 1, kMiss, kMiss, kMiss};
     BSNSettings conj = modelSettings('A');
     setConjugatePrior(conj);
-    const struct {
-        const char* name;
-        BSNSettings settings;
-        const char* key;  // the reference numbers of the prediction
-    } cases[] = {{"conjugate", conj, "conj_pred"}, {"reference", modelSettings('A'), "ref_pred"}};
+    // key: the reference numbers of the prediction.
+    const struct { const char* name; BSNSettings settings; const char* key; } cases[] = {
+        {"conjugate", conj, "conj_pred"}, {"reference", modelSettings('A'), "ref_pred"}};
     for (const auto& c : cases) {
         const auto& expected = regr.at(c.key);
         for (const bool variances : {true, false}) {
