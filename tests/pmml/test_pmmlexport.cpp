@@ -1,7 +1,6 @@
-// PMML export of regression and ANOVA models: every document checked
-// against the schema's structure, read back and evaluated by the PMML rules
-// (it must predict what Score predicts), its content against R, and the
-// exporter's statuses.
+// PMML export of regression and ANOVA models: every document checked against the schema's
+// structure, read back and evaluated by the PMML rules (it must predict what Score predicts), its
+// content against R, and the exporter's statuses.
 #include <fmt/format.h>
 
 #include <cstdio>
@@ -35,10 +34,7 @@ MCXML_850::MCVarList namedVars() {
     return vars;
 }
 
-struct Exported {
-    MCStatus status;
-    std::string xml;
-};
+struct Exported { MCStatus status; std::string xml; };
 
 // Exports the model; a document written must pass the schema check.
 Exported exportModel(const BSNMultiRegOutputStats& r, const MCXML_850::MCVarList& vars, bool covariance) {
@@ -77,12 +73,9 @@ TEST(PmmlExport, DocumentsReadBackPredictWhatScorePredicts) {
     bfOnly.SetAnalysType(BC::BayesFactor);
     setConjugatePrior(conjugate, false);
     const struct { const char* name; BSNSettings settings; bool covariance; } cases[] = {
-        {"A reference (dense rows)", modelSettings('A'), true},
-        {"B reference (sparse rows)", modelSettings('B'), true},
-        {"C ANOVA", modelSettings('C'), true},
-        {"A conjugate", conjugate, true},
-        {"A without posterior", bfOnly, false},
-    };
+        {"A reference (dense rows)", modelSettings('A'), true}, {"B reference (sparse rows)", modelSettings('B'), true},
+        {"C ANOVA", modelSettings('C'), true}, {"A conjugate", conjugate, true},
+        {"A without posterior", bfOnly, false}};
     const auto training = readColumns("regr_small.csv");
     const auto fresh = readColumns("scoring_new.csv");
     for (const auto& c : cases) {
@@ -126,9 +119,8 @@ TEST(PmmlExport, DocumentDescribesTheModelAndItsData) {
         EXPECT_STREQ(pmml->Attribute("xmlns"), "http://www.dmg.org/PMML-4_4");
         EXPECT_STREQ(pmml->Attribute("version"), "4.4");
 
-        // Data dictionary: the dependent, covariates and weights continuous,
-        // the factor categorical with its data values in code order; the
-        // mining schema's usage of each field.
+        // Data dictionary: the dependent, covariates and weights continuous, the factor categorical
+        // with its data values in code order; the mining schema's usage of each field.
         std::string dict, usage;
         for (const auto* f = pmml->FirstChildElement("DataDictionary")->FirstChildElement("DataField"); f;
              f = f->NextSiblingElement("DataField")) {
@@ -193,13 +185,8 @@ TEST(PmmlExport, StatusesForMissingVariablesAndBadInputs) {
     std::vector<double> missingBeta = b;
     missingBeta[4] = kMiss;
 
-    const struct {
-        const char* name;
-        MCMath_850::MCFastDesignMatrix design;
-        const MCXML_850::MCVarList* vars;
-        const MCMath_850::MCSymMatrix* covariance;
-        std::vector<double> coefficients;
-        int code, datum0, datum1;
+    const struct { const char* name; MCMath_850::MCFastDesignMatrix design; const MCXML_850::MCVarList* vars;
+                   const MCMath_850::MCSymMatrix* covariance; std::vector<double> coefficients; int code, d0, d1;
     } cases[] = {
         {"complete", design(kG, kX2, kY), &vars, &size6, b, 0, -1, -1},
         {"coded factor without a name", design(kG, kX2, kY), &unnamedNominal, nullptr, b, 0, -1, -1},
@@ -227,8 +214,8 @@ TEST(PmmlExport, StatusesForMissingVariablesAndBadInputs) {
         }
         EXPECT_TRUE(s.IsError()) << c.name;
         EXPECT_EQ(os.str(), "") << c.name << ": a failed export wrote something";
-        EXPECT_EQ(s.GetDiscreteDatum(0), c.datum0) << c.name;
-        EXPECT_EQ(s.GetDiscreteDatum(1), c.datum1) << c.name;
+        EXPECT_EQ(s.GetDiscreteDatum(0), c.d0) << c.name;
+        EXPECT_EQ(s.GetDiscreteDatum(1), c.d1) << c.name;
     }
 
     // The validator is live: the explanation after the ParamMatrix breaks the
