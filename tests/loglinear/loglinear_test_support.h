@@ -97,9 +97,7 @@ inline std::vector<std::vector<double>> CellRecords(const Matrix& table) {
 
 // Marks records given as columns (row code, column code, weight, ...)
 // rather than as a table of counts.
-struct Columns {
-    std::vector<std::vector<double>> values;
-};
+struct Columns { std::vector<std::vector<double>> values; };
 
 struct Build : bsntest::ComponentRun {
     Build(const MCBSN_850::BSNSettings& settings, Columns cols) : ComponentRun(settings, std::move(cols.values)) {}
