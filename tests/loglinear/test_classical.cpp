@@ -23,8 +23,7 @@ TEST(LogLinearTests, AgreeWithR) {
         ASSERT_NE(r, nullptr);
         const auto& chi = r->GetChiSquareResult();
         const auto& lr = r->GetLikeRatioResult();
-        // A statistic near 0 is a sum of terms near 1 that cancel: its
-        // accuracy is absolute.
+        // A statistic near 0 is a sum of terms near 1 that cancel: its accuracy is absolute.
         EXPECT_TRUE(Near(chi.GetWald(), row.Num("x2"), 1e-12, 1e-13));
         EXPECT_TRUE(Near(lr.GetWald(), row.Num("g2"), 1e-12, 1e-13));
         EXPECT_EQ(chi.GetDF(), row.Num("df"));
@@ -66,8 +65,7 @@ TEST(LogLinearTests, FisherIsOneForTheMostLikelyTableAndRoundsCountsHalfUp) {
         ASSERT_NE(b.Result(), nullptr);
         EXPECT_EQ(b.Result()->GetFisher2SidedSig(), 1.0) << table[0][0] << " " << table[0][1];
     }
-    // The smaller of two cells with the larger one at its row and column
-    // limit: min(R, C) <= x.
+    // The smaller of two cells with the larger one at its row and column limit: min(R, C) <= x.
     EXPECT_EQ(BSNLogLinear::FisherExact(0, 0, 3, 4, false)[1], 1.0);
     // 2.5 rounds to 3 (not to the even 2), 3.49 to 3, 7.5 to 8.
     const auto rounded = BSNLogLinear::FisherExact(3, 8, 8, 3, false);
