@@ -1,6 +1,5 @@
-// Counting records into the table, the margins and expected counts, and
-// the build's handling of tables with one category, no weight and bad
-// records.
+// Counting records into the table, the margins and expected counts, and the build's handling of
+// tables with one category, no weight and bad records.
 #include <gtest/gtest.h>
 
 #include <memory>
@@ -114,9 +113,8 @@ TEST(Contingency, ProgressAndTheBuildsThatEndWithoutATable) {
 }
 
 TEST(Contingency, InformationAndPearsonAtLargeTotals) {
-    // Σ O ln(O N/(r c)) and Σ (O - E)²/E of tables of totals 1e9 and 1e12,
-    // against 60-digit values: the exact cross differences keep each cell's
-    // term accurate to itself.
+    // Σ O ln(O N/(r c)) and Σ (O - E)²/E of tables of totals 1e9 and 1e12, against 60-digit values:
+    // the exact cross differences keep each cell's term accurate to itself.
     const auto rows = ReadReference("tests_large.csv");
     ASSERT_GE(rows.size(), 4u);
     for (const Row& row : rows) {
