@@ -1,7 +1,6 @@
-// Bayes factors for independence: the choice of method, its warnings and
-// errors, and the values against the sampling models' marginal likelihoods
-// (R, tests/data/loglinear_reference.R) and against 60-digit sums at totals
-// of 1e9 and 1e12 (mpmath, tests/data/loglinear_reference.py).
+// Bayes factors for independence: the choice of method, its warnings and errors, and the values
+// against the sampling models' marginal likelihoods (R, tests/data/loglinear_reference.R) and
+// against 60-digit sums at totals of 1e9 and 1e12 (mpmath, tests/data/loglinear_reference.py).
 #include <cmath>
 #include <iostream>
 #include <sstream>
@@ -20,9 +19,8 @@ using namespace MCBSN_850;
 using namespace loglinear_test;
 namespace C = BSNConst;
 
-// Settings of one reference case: kind (joint, rows, cols, poisson,
-// dirichlet, np, intrinsic; intrinsic when not given) and fixed margin
-// (total, rows, cols).
+// Settings of one reference case: kind (joint, rows, cols, poisson, dirichlet, np, intrinsic;
+// intrinsic when not given) and fixed margin (total, rows, cols).
 BSNSettings caseSettings(const Row& row, const Matrix& table) {
     BSNSettings s = Settings(table.size(), table[0].size());
     s.SetAnalysType(C::BayesFactor);
@@ -51,11 +49,10 @@ BSNSettings caseSettings(const Row& row, const Matrix& table) {
     return s;
 }
 
-// factors.csv against R; factors_large.csv at totals of 1e9 and 1e12, where
-// separate log-gamma values would keep about six digits and three: every log
-// factor there is within 1e-10 (or 2e-15 of itself when it is huge) of the
-// 60-digit value. Very strong association gives the log factor with its flag
-// and 410041.
+// factors.csv against R; factors_large.csv at totals of 1e9 and 1e12, where separate log-gamma
+// values would keep about six digits and three: every log factor there is within 1e-10 (or 2e-15 of
+// itself when it is huge) of the 60-digit value. Very strong association gives the log factor with
+// its flag and 410041.
 TEST(LogLinearFactors, AgreeWithTheModelsMarginalLikelihoods) {
     struct File { const char* name; std::size_t rows; double rel, abs, bfRel; };
     for (const File& f : {File{"factors.csv", 20, 1e-12, 1e-11, 1e-11}, File{"factors_large.csv", 23, 2e-15, 1e-10, 1e-9}}) {
@@ -98,42 +95,26 @@ TEST(LogLinearFactors, IntrinsicAgainstThePriorOfEveryTrainingTable) {
     }
 }
 
-// The dispatch: which calculator each model, prior and fixed margin gets,
-// with its warnings (the expected value comes from the calculator itself on
-// the same table), and the settings that give no factor (its warnings) or
-// stop the build (the error with its data).
+// The dispatch: which calculator each model, prior and fixed margin gets, with its warnings (the
+// expected value comes from the calculator itself on the same table), and the settings that give no
+// factor (its warnings) or stop the build (the error with its data).
 TEST(LogLinearFactors, ChoiceOfMethodAndSettingsThatGiveNoFactor) {
     enum Expect { Conjugate, Dirichlet, Intrinsic, NonParam, NoFactor, Error };
-    struct Case {
-        Matrix table;
-        C::DistTypes model;
-        int prior;
-        C::FixType fix;
-        Expect expect;
-        std::vector<int> codes;  // the warnings, or the error and its data
-        std::vector<double> shapes = {}, lambdas = {};
-        int t = 0;
-        std::vector<int> factors = {0, 1};
-    };
+    // codes: the warnings, or the error and its data.
+    struct Case { Matrix table; C::DistTypes model; int prior; C::FixType fix; Expect expect; std::vector<int> codes;
+                  std::vector<double> shapes = {}, lambdas = {}; int t = 0; std::vector<int> factors = {0, 1}; };
     const Matrix t22{{12, 5}, {3, 10}}, t33{{34, 9, 5}, {13, 24, 20}, {25, 23, 11}}, t23{{3, 8, 12}, {7, 2, 4}},
         t32{{3, 7}, {8, 2}, {12, 4}};
     const auto M = C::Multinomial, NP = C::Nonparametric;
     const auto Total = C::FixedTotal, Rows = C::FixedRow, Cols = C::FixedColumn;
     const std::vector<Case> cases = {
-        {t33, M, 0, Total, Conjugate, {}},
-        {t33, M, 0, Rows, Conjugate, {}},
+        {t33, M, 0, Total, Conjugate, {}}, {t33, M, 0, Rows, Conjugate, {}},
         {t33, C::Poisson, 2, Cols, Conjugate, {}},  // Poisson: conjugate whatever the prior
-        {t33, M, 1, Cols, Dirichlet, {}},
-        {t22, M, 2, Rows, Intrinsic, {}},
-        {t22, M, 2, Total, Intrinsic, {}},
-        {t33, M, 2, Rows, Dirichlet, {410053}},
-        {t23, M, 2, Cols, Dirichlet, {410053}},
-        {t23, NP, 0, Rows, NonParam, {}},
-        {t32, NP, 1, Cols, NonParam, {}},
-        {t32, NP, 0, Rows, Dirichlet, {410054}},
-        {t33, NP, 0, Cols, Dirichlet, {410054}},
-        {t33, NP, 0, Total, Error, {410056}},
-        {t33, M, 7, Total, NoFactor, {}},
+        {t33, M, 1, Cols, Dirichlet, {}}, {t22, M, 2, Rows, Intrinsic, {}}, {t22, M, 2, Total, Intrinsic, {}},
+        {t33, M, 2, Rows, Dirichlet, {410053}}, {t23, M, 2, Cols, Dirichlet, {410053}},
+        {t23, NP, 0, Rows, NonParam, {}}, {t32, NP, 1, Cols, NonParam, {}},
+        {t32, NP, 0, Rows, Dirichlet, {410054}}, {t33, NP, 0, Cols, Dirichlet, {410054}},
+        {t33, NP, 0, Total, Error, {410056}}, {t33, M, 7, Total, NoFactor, {}},
         {t33, C::Binomial, 1, Total, Dirichlet, {}},  // any other model is multinomial
         // One shape 0.5 on 3×3: the rows' Dirichlet parameters are 0.5·3 - 3 + 1 < 0.
         {t33, M, 0, Total, NoFactor, {410055}, {0.5}},
