@@ -1,6 +1,5 @@
-// The hypergeometric probability and distribution functions: against
-// Boost.Math where its 32-bit arguments reach, and against 60-digit values
-// for totals of a billion and a trillion.
+// The hypergeometric probability and distribution functions: against Boost.Math where its 32-bit
+// arguments reach, and against 60-digit values for totals of a billion and a trillion.
 #include <cmath>
 
 #include <boost/math/distributions/hypergeometric.hpp>
