@@ -1,6 +1,5 @@
 // The log-linear analysis from the command line: the example's tables and
 // JSON, and the pictures written with --plots.
-#include <algorithm>
 #include <cmath>
 #include <filesystem>
 #include <string>
@@ -21,9 +20,8 @@ using bsntest::RunCommandLine;
 
 std::string example(const std::string& name) { return std::string(BSN_SOURCE_DIR) + "/examples/" + name; }
 
-// The picture whose file name starts with `prefix` (of the only one when
-// empty) after checking that every text of it is inside, and that there is
-// some text.
+// The picture whose file name starts with `prefix` (of the only one when empty) after checking that
+// every text of it is inside, and that there is some text.
 std::string picture(const std::string& dir, const std::string& prefix, int expectedFiles) {
     std::string svg;
     int files = 0;
@@ -46,15 +44,13 @@ TEST(LogLinearHost, ExampleTablesJsonAndPictures) {
     const json& res = doc["results"];
     EXPECT_EQ(res["GetModelType"], 6);
     EXPECT_EQ(res["GetOutputType"], 8);
-    // Labels sort: treatment new, placebo, standard; outcome better, same,
-    // worse. The record with no treatment and the one with no weight are
-    // left out.
+    // Labels sort: treatment new, placebo, standard; outcome better, same, worse. The record with
+    // no treatment and the one with no weight are left out.
     EXPECT_EQ(res["GetContingencyMatrix"]["GetAllCounts"], json::parse("[[34,9,5],[13,24,20],[25,23,11]]"));
     EXPECT_EQ(res["GetContingencyMatrix"]["GetTotalWeight"], 164);
     const json& chi = res["GetChiSquareResult"];
     std::vector<std::string> keys;
-    for (auto it = chi.begin(); it != chi.end(); ++it) keys.push_back(it.key());
-    std::sort(keys.begin(), keys.end());
+    for (auto it = chi.begin(); it != chi.end(); ++it) keys.push_back(it.key());  // in sorted order
     EXPECT_EQ(keys, (std::vector<std::string>{"df", "df2", "sig", "statistic", "type"}));
     EXPECT_TRUE(chi["df2"].is_null());
     EXPECT_EQ(chi["type"], 2);
@@ -79,8 +75,7 @@ TEST(LogLinearHost, ExampleTablesJsonAndPictures) {
     EXPECT_EQ(res["GetPlotArguments4Posterior"].size(), 4u);  // MaxNPlots in the example
     EXPECT_EQ(doc["warnings"].size(), 0u);
 
-    // The tables, and the pictures: the table (its counts written in the
-    // cells) and four pairs.
+    // The tables, and the pictures: the table (its counts written in the cells) and four pairs.
     bsntest::TempDir dir;
     const auto tables =
         RunCommandLine({"run", example("loglinear.json"), example("loglinear.csv"), "--plots", dir.Path("plots")});
