@@ -1,7 +1,6 @@
-// Posterior log odds ratios of pairs of categories: the moments (digamma
-// and trigamma sums), the mode and limits against the exact distribution
-// (mpmath inversion of the characteristic function) and against a long
-// Monte Carlo (R), the order and codes of the pairs, and their curves.
+// Posterior log odds ratios of pairs of categories: the moments (digamma and trigamma sums), the
+// mode and limits against the exact distribution (mpmath inversion of the characteristic function)
+// and against a long Monte Carlo (R), the order and codes of the pairs, and their curves.
 #include <cmath>
 
 #include <boost/math/special_functions/digamma.hpp>
@@ -108,8 +107,7 @@ TEST(LogLinearPosterior, ImproperAndTooManyPairsStayMissing) {
     EXPECT_EQ(wrong.status.GetDiscreteDatum(0), 6);
     EXPECT_EQ(wrong.status.GetDiscreteDatum(1), 3);
 
-    // 81 × 81 non-empty categories: 3240² = 10.5 million pairs, refused
-    // rather than attempted.
+    // 81 × 81 non-empty categories: 3240² = 10.5 million pairs, refused rather than attempted.
     BSNSettings big = Settings(81, 81);
     big.SetAnalysType(BSNConst::Posterior);
     Build many(big, Matrix(81, std::vector<double>(81, 1.0)));
