@@ -21,9 +21,7 @@ using MCBSN_850::BSNPearsonCorrelationOutputStats;
 
 inline BSNSettings corrSettings(std::vector<int> vars, BC::AnalysTypes type = BC::Both) {
     BSNSettings s;
-    s.SetModelType(BC::Correlation, true);
-    s.SetCovariates(vars);
-    s.SetAnalysType(type);
+    s.SetModelType(BC::Correlation, true); s.SetCovariates(vars); s.SetAnalysType(type);
     return s;
 }
 
@@ -47,15 +45,11 @@ struct CorrRun {
     }
     // The warning of a code (which must be there once).
     MCCommon_850::MCStatus warning(int code) const {
-        int found = 0;
-        MCCommon_850::MCStatus w;
-        for (const auto& x : procedure.GetWarningMessages())
-            if (x.GetCode() == code) {
-                w = x;
-                ++found;
-            }
-        EXPECT_EQ(found, 1) << "warning " << code;
-        return w;
+        std::vector<MCCommon_850::MCStatus> found;
+        for (const auto& w : procedure.GetWarningMessages())
+            if (w.GetCode() == code) found.push_back(w);
+        EXPECT_EQ(found.size(), 1u) << "warning " << code;
+        return found.empty() ? MCCommon_850::MCStatus() : found[0];
     }
 
     std::vector<std::vector<double>> columns;
@@ -85,7 +79,7 @@ struct TaskRig {
     TaskRig(std::vector<double> rs, std::vector<double> ns, int plotPoints = 0, int plotted = 0)
         : r(std::move(rs)), n(std::move(ns)) {
         const std::size_t P = r.size();
-        for (std::size_t i = 0; i < P; ++i) pairs.emplace_back(0, 1);
+        pairs.assign(P, {0, 1});
         logSxxSyy.assign(P, 0.0);
         for (auto* v : {&bf, &logBF, &mode, &mean, &variance, &lower, &upper}) v->assign(P, kMiss);
         isLog.assign(P, 0);
