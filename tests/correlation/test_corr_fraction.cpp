@@ -8,24 +8,19 @@ using namespace corrtest;
 
 namespace {
 
-struct FracCase {
-    double n, r, rho0, b, logBF, logI1, logIb, l1, lb;
-};
+struct FracCase { double n, r, rho0, b, logBF, logI1, logIb, l1, lb; };
 
 std::vector<FracCase> fracCases() {
     std::vector<FracCase> cases;
-    for (const auto& row : readCsv("correlation_fraction.csv")) {
-        std::vector<double> v;
-        for (const auto& f : row) v.push_back(std::stod(f));
-        cases.push_back({v[0], v[1], v[2], v[3], v[4], v[5], v[6], v[7], v[8]});
-    }
+    for (const auto& f : readCsv("correlation_fraction.csv"))
+        cases.push_back({number(f[0]), number(f[1]), number(f[2]), number(f[3]), number(f[4]), number(f[5]),
+                         number(f[6]), number(f[7]), number(f[8])});
     return cases;
 }
 
 BSNSettings fractionSettings() {
     BSNSettings s = corrSettings({0, 1}, BC::BayesFactor);
-    s.SetEstBFType(BC::Fraction);
-    s.SetTolValue(1e-10);
+    s.SetEstBFType(BC::Fraction); s.SetTolValue(1e-10);
     return s;
 }
 
@@ -37,8 +32,7 @@ TEST(CorrelationFraction, WholeFactorThroughTheTaskAndNarrowNullIntegrand) {
     for (const auto& c : cases) {
         SCOPED_TRACE(testing::Message() << "n " << c.n << " r " << c.r);
         BSNSettings s = fractionSettings();
-        s.SetNullValue(c.rho0);
-        s.SetRegrComPar(c.b);
+        s.SetNullValue(c.rho0); s.SetRegrComPar(c.b);
         // The null model's integrals are deterministic.
         TaskRig rig({c.r}, {c.n});
         auto task = rig.task(s, 0, 1, 1);
@@ -75,8 +69,7 @@ TEST(CorrelationFraction, LogarithmStoredOutsideTheExponentRange) {
     // Strong correlations over thousands of cases: |log BF| beyond 709.
     TaskRig rig({0.9, 0.1, -0.85}, {3000, 30, 3000});
     BSNSettings s = fractionSettings();
-    s.SetTolValue(1e-6);
-    s.SetMCSamples(500);
+    s.SetTolValue(1e-6); s.SetMCSamples(500);
     auto task = rig.task(s, 0, 3, 5);
     task->RunTask();
     for (int p : {0, 2}) {
@@ -86,9 +79,8 @@ TEST(CorrelationFraction, LogarithmStoredOutsideTheExponentRange) {
     }
     EXPECT_EQ(rig.isLog[1], 0);
     EXPECT_NEAR(rig.bf[1], std::exp(rig.logBF[1]), 1e-12);
-    int count = 0;
-    for (const auto& w : task->GetWarningMessages()) count += w.GetCode() == 410041;
-    EXPECT_EQ(count, 1);
+    const auto& warnings = task->GetWarningMessages();
+    EXPECT_EQ(std::count_if(warnings.begin(), warnings.end(), [](const auto& w) { return w.GetCode() == 410041; }), 1);
 
     // A missing fraction is 0.5.
     BSNSettings half = s;
