@@ -15,11 +15,10 @@ namespace {
 std::vector<std::vector<double>> data() {
     std::mt19937 gen(5);
     std::normal_distribution<double> z(0.0, 1.0);
-    std::vector<std::vector<double>> cols(12, std::vector<double>(60));
+    std::vector<std::vector<double>> cols(12, std::vector<double>(60, 2.5));
     for (int i = 0; i < 60; ++i) {
         const double common = z(gen);
         for (int v = 0; v < 11; ++v) cols[v][i] = (v % 3) * common + z(gen) + (i % 17 == v ? kMiss : 0.0);
-        cols[11][i] = 2.5;
     }
     return cols;
 }
@@ -28,9 +27,7 @@ const std::vector<int> kAll = {0, 1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11};
 
 struct Threaded {
     Threaded(BSNSettings s, int threads, int perTask, const std::vector<std::vector<double>>& cols) {
-        s.SetThreadFactory(&factory);
-        s.SetMaxThreadNum(threads);
-        s.SetNPairsPerTask(perTask);
+        s.SetThreadFactory(&factory); s.SetMaxThreadNum(threads); s.SetNPairsPerTask(perTask);
         run = std::make_unique<CorrRun>(s, cols);
     }
     MCThread_850::MCThreadPoolFactory factory;
@@ -39,21 +36,18 @@ struct Threaded {
 
 BSNSettings both(BC::EstBFTypes type) {
     BSNSettings s = corrSettings(kAll, BC::Both);
-    s.SetEstBFType(type);
-    s.SetMCSamples(300);
-    s.SetPosteriorSamples(400);
-    s.SetMaxNPlots(5);
-    s.SetNPlotPoints(7);
+    s.SetEstBFType(type); s.SetMCSamples(300); s.SetPosteriorSamples(400);
+    s.SetMaxNPlots(5); s.SetNPlotPoints(7);
     return s;
 }
 
-// Raises the cancel flag once `at` pairs are done.
+// Raises its cancel flag once `at` pairs are done.
 struct CancelAtPairs : MCCommon_850::ProgressListener {
-    CancelAtPairs(MCCommon_850::MCAtomicCancel& c, int n) : cancel(c), at(n) {}
+    explicit CancelAtPairs(int n) : at(n) {}
     void Notify(const MCCommon_850::ProgressReport& r) override {
         if (r.DiscreteMeasure("pairs") >= at) cancel.Cancel();
     }
-    MCCommon_850::MCAtomicCancel& cancel;
+    MCCommon_850::MCAtomicCancel cancel;
     int at;
 };
 
@@ -66,8 +60,7 @@ TEST(CorrelationThreads, FactorsIdenticalForAnyThreadCountAndSplit) {
         const BSNSettings s = both(type);
         CorrRun serial(s, cols);
         ASSERT_TRUE(serial.status.IsOK());
-        EXPECT_EQ(serial.procedure.GetNTasks(), 1);
-        EXPECT_EQ(serial.procedure.GetNThreads(), 0);
+        EXPECT_EQ(std::pair(serial.procedure.GetNTasks(), serial.procedure.GetNThreads()), std::pair(1, 0));
         const auto& ref = serial.out();
         std::vector<std::vector<double>> sameSplit;
         // 66 pairs: 65 a task makes two tasks, 66 one task on the calling
@@ -113,24 +106,19 @@ TEST(CorrelationThreads, CancellationLeavesUnreachedPairsMissing) {
     // raised after the fifth stops the task before the sixth.
     const auto cols = data();
     {
-        MCCommon_850::MCAtomicCancel cancel;
-        CancelAtPairs listener(cancel, 5);
+        CancelAtPairs listener(5);
         BSNSettings s = corrSettings(kAll, BC::BayesFactor);
-        s.SetProgressFrequency(1);
-        s.SetProgressListener(&listener);
-        s.SetCancelPointer(&cancel);
+        s.SetProgressFrequency(1); s.SetProgressListener(&listener); s.SetCancelPointer(&listener.cancel);
         CorrRun run(s, cols);
         EXPECT_TRUE(run.status.IsError() && run.status.GetCode() == 1);
         EXPECT_EQ(run.procedure.GetOutputStats(), nullptr);
-        const auto& bf = run.procedure.GetBayesFactors();
-        for (int p = 0; p < 66; ++p) EXPECT_EQ(MCMV::IsMissing(bf[p]), p >= 5) << p;
+        for (int p = 0; p < 66; ++p) EXPECT_EQ(MCMV::IsMissing(run.procedure.GetBayesFactors()[p]), p >= 5) << p;
     }
     // A task alone: the posterior stops too, whatever stage it is in.
     {
         TaskRig rig({0.1, 0.2, 0.3, 0.4}, {20, 20, 20, 20});
-        MCCommon_850::MCAtomicCancel cancel;
-        rig.cancel.SetCancelPtr(&cancel);
-        CancelAtPairs listener(cancel, 2);
+        CancelAtPairs listener(2);
+        rig.cancel.SetCancelPtr(&listener.cancel);
         BSNSettings s = corrSettings({0, 1}, BC::Posterior);
         s.SetProgressFrequency(1);
         auto task = rig.task(s, 0, 4, 1, &listener);
@@ -145,13 +133,10 @@ TEST(CorrelationThreads, CancellationLeavesUnreachedPairsMissing) {
     // thread's report to raise the flag mid-run: every pair is done or
     // missing as a whole.
     {
-        MCCommon_850::MCAtomicCancel cancel;
-        CancelAtPairs listener(cancel, 1);
+        CancelAtPairs listener(1);
         BSNSettings s = corrSettings(kAll, BC::Posterior);
-        s.SetPosteriorSamples(300000);
-        s.SetMaxNPlots(0);
-        s.SetProgressListener(&listener);
-        s.SetCancelPointer(&cancel);
+        s.SetPosteriorSamples(300000); s.SetMaxNPlots(0); s.SetProgressListener(&listener);
+        s.SetCancelPointer(&listener.cancel);
         Threaded t(s, 2, 3, cols);
         EXPECT_EQ(t.run->status.GetCode(), 1);
         const auto& proc = t.run->procedure;
