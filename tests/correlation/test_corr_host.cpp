@@ -20,11 +20,7 @@ using bsntest::Text;
 
 namespace {
 
-struct HostRun {
-    int code;
-    std::string out, err;
-    json doc;
-};
+struct HostRun { int code; std::string out, err; json doc; };
 
 HostRun run(const bsntest::TempDir& dir, const std::string& settings, std::vector<std::string> args) {
     args.insert(args.begin(), {"bsn", "run", settings, std::string(BSN_SOURCE_DIR) + "/examples/correlation.csv",
@@ -89,11 +85,8 @@ TEST(CorrelationHost, ExampleTablesJsonPlotsAndReport) {
 TEST(CorrelationHost, PlotSetsCarryTheirAnnotations) {
     // A fractional factor against rho = 0.2 at 90%: curves on the shared axis, every annotation.
     BSNSettings s = corrSettings({0, 1, 2});
-    s.SetEstBFType(BC::Fraction);
-    s.SetNullValue(0.2);
-    s.SetMCSamples(500);
-    s.SetMaxNPlots(2);
-    s.SetCILevel(90);
+    s.SetEstBFType(BC::Fraction); s.SetNullValue(0.2); s.SetMCSamples(500);
+    s.SetMaxNPlots(2); s.SetCILevel(90);
     CorrRun corr(s, {{30, 41, 52, 38, 60, 45}, {40, 55, 61, 47, 70, 52}, {22, 27, 24, 30, 26, 25}});
     ASSERT_TRUE(corr.status.IsOK());
     bsncli::DataInfo data;
