@@ -22,17 +22,11 @@ BSNSettings posteriorSettings() {
     return s;
 }
 
-// Sum of squared deviations about the mean.
-double ss(const std::vector<double>& x) {
-    const Moments m = moments(x);
-    return m.var * (m.n - 1.0);
-}
-
 // Posterior of delta = mu1 - mu0 for kG0, kG1 with one common variance, flat
 // means and prior logPrior(sigma^2): likelihood x prior summed on a grid.
 GridPosterior commonVariancePosterior(const std::function<double(double)>& logPrior) {
     const Moments a = moments(kG0), b = moments(kG1);
-    const double d = b.mean - a.mean, spread = std::sqrt((ss(kG0) + ss(kG1)) / (a.n + b.n - 2));
+    const double d = b.mean - a.mean, spread = std::sqrt((a.var * (a.n - 1) + b.var * (b.n - 1)) / (a.n + b.n - 2));
     const int nd = 401, nm = 61, nv = 121;
     std::vector<double> dg(nd), dens(nd, 0.0);
     for (int i = 0; i < nd; ++i) {
@@ -85,17 +79,11 @@ TEST(IndependentPosterior, PriorClassChoiceAndItsMessages) {
     for (const Case& c : cases) {
         SCOPED_TRACE(c.what);
         BSNSettings s = posteriorSettings();
-        s.SetMeanDistType(c.mean);
-        s.SetDataVarVals(c.variances);
-        s.SetEqualDataVar(c.equal);
+        s.SetMeanDistType(c.mean); s.SetDataVarVals(c.variances); s.SetEqualDataVar(c.equal);
         s.SetPriorDistType(c.varPrior);
         if (c.params) {
-            s.SetMeanDistParam1(10.0);
-            s.SetMeanDistParam2(4.0);
-            s.SetMeanDistParam3(12.0);
-            s.SetMeanDistParam4(9.0);
-            s.SetPriorDistParam1(3.0);
-            s.SetPriorDistParam2(2.0);
+            s.SetMeanDistParam1(10.0); s.SetMeanDistParam2(4.0); s.SetMeanDistParam3(12.0);
+            s.SetMeanDistParam4(9.0); s.SetPriorDistParam1(3.0); s.SetPriorDistParam2(2.0);
         }
         MCMath_850::MCCancelInfo cancel;
         std::unique_ptr<BSN2SampleIndPosterior> p;
@@ -121,11 +109,8 @@ TEST(IndependentPosterior, KnownVariancesAgainstConjugateNormals) {
         SCOPED_TRACE(normal ? "normal priors" : "flat priors");
         const double offset = normal ? 0.0 : 1e9;
         BSNSettings s = posteriorSettings();
-        s.SetDataVarVals({known[0], known[1]});
-        s.SetMeanDistType(normal ? BC::Normal : BC::Diffuse);
-        s.SetMeanDistParam1(a[0]);
-        s.SetMeanDistParam2(b[0]);
-        s.SetMeanDistParam3(a[1]);
+        s.SetDataVarVals({known[0], known[1]}); s.SetMeanDistType(normal ? BC::Normal : BC::Diffuse);
+        s.SetMeanDistParam1(a[0]); s.SetMeanDistParam2(b[0]); s.SetMeanDistParam3(a[1]);
         s.SetMeanDistParam4(b[1]);
         NormalRun r(s, groupColumns(kG0, kG1, offset));
         ASSERT_TRUE(r.status.IsOK());
@@ -172,8 +157,7 @@ TEST(IndependentPosterior, CommonVarianceAgainstBruteForce) {
         BSNSettings s = posteriorSettings();
         s.SetEqualDataVar(true);
         if (invChi) {
-            s.SetPriorDistType(BC::InverseChiSquare);
-            s.SetPriorDistParam1(nu0);
+            s.SetPriorDistType(BC::InverseChiSquare); s.SetPriorDistParam1(nu0);
             s.SetPriorDistParam2(sigma02);
         }
         NormalRun r(s, groupColumns(kG0, kG1));
@@ -240,8 +224,7 @@ TEST(IndependentPosterior, UnequalVariancesThroughTheProcedure) {
     EXPECT_NEAR(o.GetLowerLimits()[0], d + q, 1e-9);
     EXPECT_NEAR(o.GetUpperLimits()[0], d - q, 1e-9);
     // The curve: symmetric about d, peak 1 there, PlotDomainLevel / 2 of the mass beyond each end.
-    const auto& x = o.GetPlotArguments()[0];
-    const auto& f = o.GetPlotPosterior()[0];
+    const auto &x = o.GetPlotArguments()[0], &f = o.GetPlotPosterior()[0];
     ASSERT_EQ(x.size(), 81u);
     EXPECT_NEAR(x[40], d, 1e-9);
     EXPECT_NEAR(f[40], 1.0, 1e-7);
@@ -250,7 +233,7 @@ TEST(IndependentPosterior, UnequalVariancesThroughTheProcedure) {
     // Group likelihoods: each group's own profile likelihood.
     const auto& yl = o.GetPlotYLikelihoods()[0];
     const double mu = o.GetPlotYArguments()[0][5];
-    EXPECT_NEAR(yl[5], std::pow(1 + m1.n * (mu - m1.mean) * (mu - m1.mean) / ss(kG1), -m1.n / 2), 1e-12);
+    EXPECT_NEAR(yl[5], std::pow(1 + m1.n * (mu - m1.mean) * (mu - m1.mean) / (m1.var * (m1.n - 1)), -m1.n / 2), 1e-12);
 }
 
 TEST(IndependentPosterior, ConstantAndSmallGroupsInBothStages) {
@@ -263,8 +246,7 @@ TEST(IndependentPosterior, ConstantAndSmallGroupsInBothStages) {
     const std::vector<double> v1 = {2, 2, 2, 2, 2, 4, 4, 4, 4, 4, 4, 4};
     const std::vector<double> v2 = {2, 2, 2, 2, 2, 4, 5, 4, 6, 4, 3, 4};
     const std::vector<double> v3 = {2, kMiss, kMiss, kMiss, kMiss, 4, 5, 4, 6, 4, 3, 4};
-    const std::vector<double> rest = {4, 5, 4, 6, 4, 3, 4};  // the second group of 2 and 3
-    const Moments m = moments(rest);
+    const Moments m = moments({4, 5, 4, 6, 4, 3, 4});  // the second group of 2 and 3
     for (bool equal : {false, true}) {
         SCOPED_TRACE(equal ? "equal variances" : "unequal variances");
         BSNSettings s = indepSettings({0, 1, 2, 3}, 4, BC::Both);
