@@ -25,8 +25,7 @@ TEST(IndependentTests, PooledAndWelchAsRAndExactArithmetic) {
     ASSERT_TRUE(r.status.IsOK());
     const auto& o = output(r);
     EXPECT_EQ(o.GetTTestVarIndices(), (std::vector<int>{2, 3}));
-    EXPECT_TRUE(o.GetPostVarIndices().empty());
-    EXPECT_TRUE(o.GetModeValues().empty());
+    EXPECT_TRUE(o.GetPostVarIndices().empty() && o.GetModeValues().empty());  // no posterior asked for
 
     const auto rRows = readTable("independent_ttest_expected.csv");
     const auto exact = readTable("independent_ttest_exact.csv");
@@ -65,11 +64,8 @@ TEST(IndependentTests, HugeWeightsAndExtremeTStayFinite) {
             SCOPED_TRACE(testing::Message() << "t " << t << " kind " << kind);
             const double d = t * sp * std::sqrt(2.0 / n);
             BSNSettings s = indepSettings({0}, 1);
-            s.SetFrequencyWeightVar(2);
-            s.SetRegrCompType(static_cast<BC::RegrCompute>(kind));
-            s.SetRegrComPar(kind == BC::Gonen ? 0.5 : 3.0);
-            s.SetSecondGonenPar(1.0);
-            s.SetEqualDataVar(true);
+            s.SetFrequencyWeightVar(2); s.SetRegrCompType(static_cast<BC::RegrCompute>(kind));
+            s.SetRegrComPar(kind == BC::Gonen ? 0.5 : 3.0); s.SetSecondGonenPar(1.0); s.SetEqualDataVar(true);
             NormalRun r(s, {{-0.5, 0.5, d - 0.5, d + 0.5}, {0, 0, 1, 1}, {n / 2, n / 2, n / 2, n / 2}});
             ASSERT_TRUE(r.status.IsOK());
             const auto& o = output(r);
@@ -141,8 +137,7 @@ TEST(IndependentFactors, ComputationTypeChoosesTheFactor) {
         jzs = expect;
     }
     BSNSettings mc = settings(BC::Siow);
-    mc.SetMethodType(BC::MCA);
-    mc.SetMCSamples(200000);
+    mc.SetMethodType(BC::MCA); mc.SetMCSamples(200000);
     NormalRun r(mc, cols);
     EXPECT_LT(rel(output(r).GetBayesFactors()[0], jzs), 0.02);
     NormalRun h(settings(BC::Hyper), cols);  // a = 3 by default
@@ -173,14 +168,13 @@ TEST(IndependentFactors, GonenAndHyperAgainstTheirClosedForms) {
         else
             EXPECT_LT(rel(bf, std::exp(ref)), 1e-9);
     }
-    // a = 0 and t = 0: sqrt(q).
+    // a = 0 and t = 0: sqrt(q); the hyper-prior at t = 0: the gamma ratio alone.
     EXPECT_DOUBLE_EQ(GonenBayesFactor::Factor(30.0, 58.0, 0.0, 0.0, 0.7), std::sqrt(1.0 + 0.7 * 30.0));
-    // Hyper-prior at t = 0: the gamma ratio alone.
     const double ratio = std::exp(std::lgamma(15.5) + std::lgamma(4.0) - std::lgamma(15.0) - std::lgamma(4.5));
     EXPECT_NEAR(std::exp(HyperPriorBayesFactor::LogFactor(30.0, 0.0, 3.0)), ratio, 1e-13 * ratio);
     // Invalid parameters: missing, no message.
-    EXPECT_TRUE(MCMV::IsMissing(GonenBayesFactor::LogFactor(10, 18, 1.0, 0.5, kMiss)));
-    EXPECT_TRUE(MCMV::IsMissing(HyperPriorBayesFactor::LogFactor(18, 1.0, -1.0)));
+    EXPECT_TRUE(MCMV::IsMissing(GonenBayesFactor::LogFactor(10, 18, 1.0, 0.5, kMiss)) &&
+                MCMV::IsMissing(HyperPriorBayesFactor::LogFactor(18, 1.0, -1.0)));
 }
 
 TEST(IndependentFactors, LogNonCentralDensityAgainstItsClosedForm) {
