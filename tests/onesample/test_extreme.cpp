@@ -1,32 +1,49 @@
-// Analyses at extreme sizes against 40-digit values made outside the project
-// (tests/data/make_extreme.py): a billion cases and more through frequency
-// weights, data far from zero, and Bayes factors that underflow.
+// The JZS factor's quadrature and Monte-Carlo estimate against independent
+// integrals, and analyses at extreme sizes against 40-digit values made
+// outside the project (tests/data/make_extreme.py): a billion cases and more
+// through frequency weights, data far from zero, and Bayes factors that
+// underflow.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cmath>
+#include <limits>
 #include <map>
 #include <string>
 #include <vector>
 
 #include <boost/math/distributions/students_t.hpp>
 
+#include "bsn/onesample/bayesfactordenomif.h"
 #include "bsn/onesample/bayesfactoronesamplett.h"
+#include "bsn/onesample/bayesfactoronesamplettmc.h"
+#include "bsn/onesample/bayesfactoronesamplettrng.h"
 #include "bsn/onesample/bsn1samplebinooutputstats.h"
+#include "bsn/onesample/bsn1samplenormalutils.h"
 #include "bsn/onesample/bsn1samplenormoutputstats.h"
 #include "bsn/onesample/bsn1samplepoisnoutputstats.h"
 #include "bsn/twosample/bsn2samplerelatedoutputstats.h"
 #include "platform/records/csvrecorditer.h"
 #include "tests/onesample/discrete_test_support.h"
 #include "tests/onesample/extremedata.h"
+#include "tests/onesample/jzsreference.h"
 #include "tests/onesample/normaltestsupport.h"
 
 using namespace discrete_test;
 using namespace MCBSN_850;
+using MCCommon_850::MCMV;
 using extremedata::num;
 using normaltest::oneSampleNormal;
 namespace C = BSNConst;
 
 namespace {
+
+double rel(double a, double b) { return std::fabs(a / b - 1.0); }
+
+double quadFactor(double N, double t) {
+    BayesFactorOneSampleTT bf(N, N - 1.0, t);
+    return bf.Compute();
+}
 
 // One weighted test variable (column 1) of a reference row: null and
 // posterior prior (a0, b0), alternative (a1, b1).
@@ -58,7 +75,209 @@ void expectFactor(const Build& run, double exactLog, double n) {
         EXPECT_NEAR(out.GetBayesFactors()[0], std::exp(exactLog), 1e-11 * std::exp(exactLog));
 }
 
+std::vector<double> readColumn(const std::string& file) {
+    MCCommon_850::CsvRecordIter iter(std::string(BSN_SOURCE_DIR) + "/tests/data/" + file, {0});
+    std::vector<double> values;
+    for (iter.Reset(); iter.Advance();) values.push_back(iter.GetRecord()->GetValue(0));
+    return values;
+}
+
+std::map<std::string, double> expectedNormal() {
+    std::map<std::string, double> e;
+    for (const auto& r : extremedata::read("extreme_normal_expected.csv")) e[r[0]] = num(r[1]);
+    return e;
+}
+
 } // namespace
+
+TEST(JZSQuadrature, AgreesWithReferenceTable) {
+    // 20-digit values of the integral to infinity (tests/data/README.md).
+    const auto rows = extremedata::read("jzs_onesample.csv");
+    ASSERT_EQ(rows.size(), 49u) << "tests/data/jzs_onesample.csv not found under " << BSN_SOURCE_DIR;
+    const BSNSettings defaults;  // tolerance 1e-6, 2000 iterations: what a procedure passes
+    for (const auto& row : rows) {
+        const double N = num(row[0]), t = num(row[1]), bf01 = num(row[2]);
+        SCOPED_TRACE(testing::Message() << "N " << N << " t " << t);
+        double viaSettings = 0.0;
+        MCCommon_850::MCWarnings warnings;
+        BSN1SampleNormalUtils::computeBetaForUnKnownVarJZS(defaults, N, t, &viaSettings, warnings);
+        EXPECT_TRUE(warnings.IsEmpty());
+        EXPECT_LT(rel(viaSettings, bf01), 1e-7);
+        EXPECT_LT(rel(quadFactor(N, t), bf01), 1e-7);
+    }
+}
+
+TEST(JZSQuadrature, ExtremeAndInvalidInputs) {
+    // t of 0 and tiny; one degree of freedom; a huge t with few cases, a tiny
+    // but positive factor defined by the large-g form beyond the cutoff; the
+    // null term underflowing (the factor is 0, not NaN; its log: see the
+    // extreme-size tests).
+    EXPECT_LT(rel(quadFactor(1e9, 0.0), jzsref::exactFactor(1e9, 0.0)), 1e-7);
+    EXPECT_LT(rel(quadFactor(3.0, 1e-12), quadFactor(3.0, 0.0)), 1e-12);
+    EXPECT_LT(rel(quadFactor(2.0, 0.0), jzsref::exactFactor(2.0, 0.0)), 1e-7);
+    EXPECT_LT(rel(quadFactor(10.0, 100.0), jzsref::cutoffFactor(10.0, 100.0)), 1e-7);
+    EXPECT_EQ(quadFactor(1e9, 100.0), 0.0);
+    // Invalid inputs: one case (no df), no cases, a missing t.
+    for (const auto& [N, t] : {std::pair{1.0, 1.0}, std::pair{0.0, 1.0}, std::pair{-5.0, 1.0},
+                               std::pair{10.0, MCMV::Missing()}, std::pair{MCMV::Missing(), 1.0}}) {
+        BayesFactorOneSampleTT bf(N, N - 1.0, t);
+        EXPECT_FALSE(bf.IsValid());
+        for (double v : {bf.Compute(), bf.ComputeLog(), bf.RightTail()}) EXPECT_TRUE(MCMV::IsMissing(v));
+    }
+}
+
+TEST(JZSQuadrature, BoundsTailAndNonConvergence) {
+    const double N = 20.0, t = 1.5, l0 = jzsref::nullTerm(N, t);
+    const double inf = std::numeric_limits<double>::infinity();
+    BayesFactorOneSampleTT bf(N, N - 1.0, t);
+    EXPECT_NEAR(bf.RightTail(), jzsref::tail(N, 1e5, inf), 1e-18);
+    bf.SetRightBound(1e6);
+    EXPECT_NEAR(bf.RightTail(), jzsref::tail(N, 1e5, 1e6), 1e-18);
+    const double bounded = l0 / (jzsref::integral(N, t, 0.0, 1e5) + jzsref::tail(N, 1e5, 1e6));
+    EXPECT_LT(rel(bf.Compute(), bounded), 1e-8);
+    EXPECT_NEAR(bf.ComputeLog(), std::log(bounded), 1e-8);
+    // Below the cutoff no tail is added; bad bounds are refused; both scales.
+    for (double bound : {50.0, MCMV::Missing(), 0.0}) bf.SetRightBound(bound);
+    for (double bound : {-1.0, 0.5}) bf.SetLeftBound(bound);
+    EXPECT_LT(rel(bf.Compute(), l0 / jzsref::integral(N, t, 0.5, 50.0)), 1e-8);
+    EXPECT_NEAR(bf.ComputeLog(), std::log(l0 / jzsref::integral(N, t, 0.5, 50.0)), 1e-8);
+
+    BayesFactorOneSampleTT s(N, N - 1.0, t);
+    for (int bad : {0, -3}) { s.SetTolerance(bad); s.SetMaxIter(bad); }
+    EXPECT_EQ(s.GetTolerance(), 1e-8);
+    EXPECT_EQ(s.GetMaxIter(), 1500);
+    EXPECT_FALSE(s.SetBoundsForNonConvergence(1.0, 2.0, 2.0, 50.0, 500.0));
+    EXPECT_FALSE(s.SetBoundsForNonConvergence(0.0, 2.0, 10.0, 50.0, 500.0));
+    EXPECT_TRUE(s.SetBoundsForNonConvergence(0.5, 1.0, 3.0, 20.0, 400.0));
+
+    // Too few iterations for [0, 1e5], enough for each of the ten pieces
+    // (without the stretch from 500 to the cutoff); the log scale takes the
+    // same way.
+    const double full = jzsref::cutoffFactor(N, t);
+    const double gapped = l0 / (jzsref::integral(N, t, 0.0, 500.0) + jzsref::tail(N, 1e5, inf));
+    ASSERT_GT(rel(gapped, full), 1e-3);  // the gap matters at this precision
+    BayesFactorOneSampleTT few(N, N - 1.0, t);
+    few.SetMaxIter(40);
+    EXPECT_LT(rel(few.Compute(), gapped), 1e-7);
+    EXPECT_TRUE(few.UsedPiecewise());
+    EXPECT_GE(few.GetNIterations(), 40);
+    ASSERT_EQ(few.GetWarnings().Size(), 1u);
+    EXPECT_TRUE(few.GetWarnings().Get(0).GetCode() == 420001 && few.GetWarnings().Get(0).IsWarning());
+    EXPECT_NEAR(few.ComputeLog(), std::log(gapped), 1e-7);
+    EXPECT_TRUE(few.UsedPiecewise());
+    // With the last bound at the cutoff the pieces cover the whole range.
+    BayesFactorOneSampleTT wide(N, N - 1.0, t);
+    wide.SetMaxIter(40);
+    ASSERT_TRUE(wide.SetBoundsForNonConvergence(1.0, 2.0, 10.0, 50.0, 1e5));
+    EXPECT_LT(rel(wide.Compute(), full), 1e-7);
+    // One iteration per integral: crude, but a finite positive number; the
+    // default limit converges without a warning. (The settings' limit and
+    // the warning's way to the procedure: the normal-factor tests.)
+    BayesFactorOneSampleTT crude(N, N - 1.0, t), plain(N, N - 1.0, t);
+    crude.SetMaxIter(1);
+    EXPECT_GT(crude.Compute(), 0.0);
+    EXPECT_TRUE(crude.UsedPiecewise());
+    EXPECT_LT(rel(plain.Compute(), full), 1e-8);
+    EXPECT_FALSE(plain.UsedPiecewise());
+    EXPECT_TRUE(plain.GetWarnings().IsEmpty());
+}
+
+TEST(JZSIntegrand, MatchesFormulaOnBothScalesAndNeverNaN) {
+    const double N = 12.0, t = 2.5, nu = 11.0;
+    BayesFactorDenomIF f(N, nu, t);
+    ASSERT_TRUE(f.IsValid());
+    // The Monte-Carlo forms are checked draw by draw with the estimator.
+    for (double g : {1e-3, 0.05, 1.0, 7.0, 1e4}) {
+        EXPECT_LT(rel(f.ComputeNI(g), jzsref::integrand(N, t, g)), 1e-13) << g;
+        EXPECT_NEAR(f.ComputeLogNI(g), std::log(jzsref::integrand(N, t, g)), 1e-12) << g;
+    }
+    EXPECT_LT(rel(f.ComputeNull(), std::pow(1.0 + t * t / nu, -(nu + 1) / 2)), 1e-13);
+    EXPECT_NEAR(f.ComputeLogNull(), std::log(f.ComputeNull()), 1e-13);
+    EXPECT_EQ(f.ComputeNI(0.0), 0.0);
+    EXPECT_EQ(f.ComputeNI(1e-310), 0.0);  // the prior has underflowed, g^1.5 too
+    EXPECT_TRUE(MCMV::IsMissing(f.ComputeNI(-1.0)));
+    EXPECT_TRUE(MCMV::IsMissing(f.ComputeMC(-1.0, 0.0)));  // 1 + N g < 0
+    EXPECT_TRUE(MCMV::IsMissing(f.ComputeLogNI(0.0)));
+    EXPECT_EQ(f.ComputeMC(1e308, 0.0), 0.0);
+    // Scaled by e^s: the ordinates divided by e^s, also where f underflows.
+    EXPECT_EQ(f.ComputeNI(5e-4), 0.0);  // exp(-1000)
+    f.SetLogScale(f.ComputeLogNI(5e-4));
+    EXPECT_NEAR(f.ComputeNI(5e-4), 1.0, 1e-12);  // exponents near -1000 keep 13 digits
+    f.SetParams(1.0, 0.0, t);
+    EXPECT_FALSE(f.IsValid());
+    for (double v : {f.ComputeNI(1.0), f.ComputeMC(1.0, 0.0), f.ComputeNull(), f.ComputeLogNull()})
+        EXPECT_TRUE(MCMV::IsMissing(v));
+    f.SetParams(N, nu, MCMV::Missing());
+    EXPECT_FALSE(f.IsValid());
+}
+
+TEST(JZSMonteCarlo, WithinStandardErrorsOfQuadratureAndReproducible) {
+    const int samples = 10000;
+    const unsigned long seed = 2000000;
+    for (const auto& [N, t] : {std::pair{5.0, 0.5}, std::pair{100.0, 3.0}, std::pair{1e9, 1.0}}) {
+        SCOPED_TRACE(testing::Message() << "N " << N << " t " << t);
+        BayesFactorOneSampleTTMC mc(N, N - 1.0, t, samples, seed);
+        ASSERT_TRUE(mc.IsValid());
+        const double bf = mc.Compute();
+        // The same draws, with h written out independently: sample mean and
+        // variance of h give the estimate's standard error; by the delta
+        // method the factor's is BF * se(mean h) / mean h. (A wrong prior
+        // for g moves the estimate by far more than that.)
+        BayesFactorOneSampleTTRng rng;
+        rng.SetSeed(seed);
+        const double nu = N - 1.0;
+        double sum = 0.0, sum2 = 0.0;
+        for (int i = 0; i < samples; ++i) {
+            const double x = 1.0 + N * rng.GetRandom();
+            const double h = std::pow(x, -0.5) * std::exp(-(nu + 1) / 2 * std::log1p(t * t / (x * nu)));
+            sum += h;
+            sum2 += h * h;
+        }
+        const double mean = sum / samples;
+        const double se = bf * std::sqrt((sum2 - samples * mean * mean) / (samples - 1) / samples) / mean;
+        EXPECT_LT(rel(mc.Integrate(0.0, 1.0), mean), 1e-10);
+        const double quad = quadFactor(N, t);
+        EXPECT_LT(std::fabs(bf - quad), 4.0 * se) << "bf " << bf << " quad " << quad << " se " << se;
+        EXPECT_GT(std::fabs(bf - quad), 0.0);  // it is an estimate
+        EXPECT_NEAR(mc.ComputeLog(), std::log(bf), 1e-13);
+        // Bit-identical for the same seed, different for another.
+        BayesFactorOneSampleTTMC again(N, N - 1.0, t, samples, 12345);
+        again.SetSeed(seed);
+        EXPECT_EQ(again.Compute(), bf);
+        EXPECT_NE(BayesFactorOneSampleTTMC(N, N - 1.0, t, samples, seed + 1).Compute(), bf);
+    }
+    // The mean of h underflows (t of 1e10 with 100 cases): the log of the
+    // mean of the same draws, summed on the log scale here independently.
+    BayesFactorOneSampleTTMC huge(100.0, 99.0, 1e10, samples, seed);
+    EXPECT_LT(huge.Integrate(0.0, 1.0), std::numeric_limits<double>::min());
+    BayesFactorOneSampleTTRng rng;
+    rng.SetSeed(seed);
+    std::vector<double> logH(samples);
+    for (double& l : logH) {
+        const double x = 1.0 + 100.0 * rng.GetRandom();
+        l = -0.5 * std::log(x) - 50.0 * std::log1p(1e20 / (x * 99.0));
+    }
+    const double top = *std::max_element(logH.begin(), logH.end());
+    double s = 0.0;
+    for (double l : logH) s += std::exp(l - top);
+    const double expected = -50.0 * std::log1p(1e20 / 99.0) - (top + std::log(s / samples));
+    EXPECT_NEAR(huge.ComputeLog(), expected, 1e-12 * std::fabs(expected));
+    // No samples: nothing to average; a negative count is invalid.
+    BayesFactorOneSampleTTMC none(10.0, 9.0, 1.0, 0, seed);
+    BayesFactorOneSampleTTMC negative(10.0, 9.0, 1.0, -1, seed);
+    EXPECT_TRUE(none.IsValid() && MCMV::IsMissing(none.Compute()) && MCMV::IsMissing(none.ComputeLog()));
+    EXPECT_FALSE(negative.IsValid());
+    EXPECT_TRUE(MCMV::IsMissing(negative.Compute()) && MCMV::IsMissing(negative.SumUp(0.0, 1.0)));
+    // Through the utilities with the Monte-Carlo method.
+    BSNSettings settings;
+    settings.SetMethodType(BSNConst::MCA);
+    settings.SetMCSamples(samples);
+    settings.SetRandomSeed(seed);
+    double viaSettings = 0.0;
+    MCCommon_850::MCWarnings warnings;
+    BSN1SampleNormalUtils::computeBetaForUnKnownVarJZS(settings, 30.0, 2.0, &viaSettings, warnings);
+    EXPECT_LT(rel(viaSettings, BayesFactorOneSampleTTMC(30.0, 29.0, 2.0, samples, seed).Compute()), 1e-14);
+}
 
 // Binomial: n trials and x successes as two weighted records; Poisson: N
 // cases and S counts as two weighted records of neighbouring counts.
@@ -87,23 +306,6 @@ TEST(ExtremeSizes, BinomialAndPoissonFactorsToTheLastDigits) {
         }
     }
 }
-
-namespace {
-
-std::vector<double> readColumn(const std::string& file) {
-    MCCommon_850::CsvRecordIter iter(std::string(BSN_SOURCE_DIR) + "/tests/data/" + file, {0});
-    std::vector<double> values;
-    for (iter.Reset(); iter.Advance();) values.push_back(iter.GetRecord()->GetValue(0));
-    return values;
-}
-
-std::map<std::string, double> expectedNormal() {
-    std::map<std::string, double> e;
-    for (const auto& r : extremedata::read("extreme_normal_expected.csv")) e[r[0]] = num(r[1]);
-    return e;
-}
-
-} // namespace
 
 // 1000 values 1e9 + N(0, 0.001) written with six decimals: the t statistic
 // and the standard deviation of the parsed doubles to 1e-9, one sample and
