@@ -32,9 +32,8 @@ std::set<std::string> filesUnder(const std::string& dir) {
     return names;
 }
 
-// Presses Ctrl-C (raises SIGINT in this process) when asked for the k-th
-// time, and otherwise never asks to cancel itself: the run can only stop
-// through the handler the host installed.
+// Raises SIGINT at the k-th question and never cancels itself: the run can
+// only stop through the handler the host installed.
 class CtrlCAt : public MCCommon_850::MCQueryCancel {
 public:
     explicit CtrlCAt(long k) : m_k(k) {}
@@ -81,8 +80,7 @@ TEST(HostDataPath, EveryFailureWritesAJsonDocument) {
         {normal, "x,y\n1,2\nzero,4\n", "", 2, 420061, "d.csv:3: column 'x': 'zero' is not a number"},
         {normal, "x,y\n1,2\n3\n", "", 2, 420061, "d.csv:3: expected 2 fields, found 1"},
         {normal, "x,y\n1,2\n\"3,4\n", "", 2, 420061, "d.csv:3"},
-        // A bad cell that is not UTF-8 is quoted in the message: the
-        // document must still be valid JSON (found by fuzzing).
+        // A bad cell that is not UTF-8, quoted in valid JSON (found by fuzzing).
         {normal, "x,y\n1,2\n\xF5\xF5,4\n", "", 2, 420061, "d.csv:3: column 'x': '"},
         // Settings the check refuses keep the library's status and its text.
         {R"({"ModelType": "Related", "Covariates": ["x"]})", good, "", 2, 410039,
@@ -123,9 +121,7 @@ TEST(HostDataPath, EveryFailureWritesAJsonDocument) {
 
 TEST(HostDataPath, CtrlCIsHonouredInEveryPhase) {
     bsntest::TempDir dir;
-    // Enough rows for the scan to ask more than once, with every stage of a
-    // one-sample normal analysis (classical, Bayes factor, posterior) and
-    // every kind of output file.
+    // Rows for several scan questions; every stage of the analysis and every output file.
     std::string csv = "x,y\n";
     for (int i = 0; i < 600; ++i) csv += fmt::format("{},{}\n", (i * 37) % 101 / 10.0, i);
     bsncli::RunOptions options;
@@ -160,8 +156,7 @@ TEST(HostDataPath, CtrlCIsHonouredInEveryPhase) {
         const auto at = r.err.find("The analysis was cancelled while ");
         ASSERT_NE(at, std::string::npos) << k << ": " << r.err;
         ++phases[r.err.substr(at + 33, r.err.find('\n', at) - at - 33)];
-        // Nothing but the failure document is left: no plot, no report, no
-        // temporary file.
+        // Nothing but the failure document is left, not even a temporary file.
         EXPECT_EQ(filesUnder(dir.Path("out")), std::set<std::string>{"r.json"}) << k;
         const json doc = json::parse(bsntest::TempDir::Read(options.jsonPath));
         const int code = doc["status"]["code"];
@@ -173,8 +168,7 @@ TEST(HostDataPath, CtrlCIsHonouredInEveryPhase) {
     for (const auto& [name, count] : phases) names.insert(name);
     EXPECT_EQ(names, (std::set<std::string>{"checking the settings", "choosing the analysis", "reading the data",
                                             "building the model", "writing the output"}));
-    // The long phases ask inside their work, not only on the way in: the
-    // scan every 256 rows, the output before each of its four files.
+    // Long phases ask inside: the scan every 256 rows, the output before each of its four files.
     EXPECT_GE(phases["reading the data"], 1 + 600 / 256);
     EXPECT_GE(phases["writing the output"], 4);
     EXPECT_GE(phases["building the model"], 600);
