@@ -1,6 +1,5 @@
-// The HTML report and the plots of whole runs: the examples' pictures have
-// the structure they should, and the report holds everything the terminal
-// shows, opens without a network and reads back as XML.
+// The HTML report and the plots of whole runs: the report holds everything
+// the terminal shows, opens without a network and reads back as XML.
 #include <gtest/gtest.h>
 
 #include <filesystem>
@@ -43,8 +42,7 @@ void run(const std::string& settings, const std::string& data, const bsntest::Te
     EXPECT_EQ(r.html.Parse(r.report.c_str()), tinyxml2::XML_SUCCESS) << r.html.ErrorStr();
 }
 
-// The terminal's tables: blocks between blank lines after the heading line,
-// up to the warnings or the status.
+// The terminal's tables: blocks between blank lines up to the warnings or status.
 std::vector<std::string> terminalTables(const std::string& out) {
     std::vector<std::string> blocks;
     const std::size_t start = out.find("\n\n");
@@ -68,8 +66,6 @@ void expectSelfContained(const XMLElement* root) {
 
 } // namespace
 
-// One example per analysis: the files, panels and legends its plots must
-// have, and the report of the run.
 TEST(Report, ExamplesPlotsAndReportHoldWhatTheTerminalShows) {
     struct Example {
         const char* name;
@@ -167,8 +163,7 @@ TEST(Report, RefusedRunsWarningsAndWritingWhole) {
         EXPECT_EQ(Text(ByName(html, "h1").at(0)), "Related analysis");
     }
     if (bsntest::HasAnalysis(C::OneSample, C::Normal)) {
-        // A constant column: warning 410010 named after its variable, in the
-        // report as on the terminal; names are escaped.
+        // Warning 410010 on a constant column, named as on the terminal; names escaped.
         RunResult r;
         run(dir.Write("s.json", R"({"ModelType": 0, "TestDistType": 0, "Covariates": ["a<&>", "c"]})"),
             dir.Write("d.csv", "a<&>,c\n1.2,5\n2.3,5\n3.1,5\n4.8,5\n"), dir, r);
@@ -181,8 +176,7 @@ TEST(Report, RefusedRunsWarningsAndWritingWhole) {
         EXPECT_TRUE(named);
         EXPECT_NE(r.report.find("a&lt;&amp;&gt;"), std::string::npos);
     }
-    // A report into a directory that does not exist: an input error, and
-    // no file (temporary or not) anywhere.
+    // A report into a missing directory: an input error, and no file anywhere.
     bsncli::RunOptions options;
     options.settingsPath = dir.Write("s.json", R"({"ModelType": "Related", "Covariates": ["x"]})");
     options.dataPath = dir.Write("d.csv", "x,y\n1,2\n");
