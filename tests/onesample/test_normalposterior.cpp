@@ -282,7 +282,9 @@ TEST(NormalPosterior, PlotPointCountsAndMissingInputs) {
                               &o.GetPlotArguments4Posterior(), &o.GetPlotLikelihoods(), &o.GetPlotPrior(),
                               &o.GetPlotPosterior()}) {
             ASSERT_EQ((*c)[0].size(), static_cast<std::size_t>(points));
-            if (points == 1) EXPECT_EQ((*c)[0][0], kMiss);
+            if (points == 1) {
+                EXPECT_EQ((*c)[0][0], kMiss);
+            }
         }
     }
     // Flat prior with no grid: no two-point line either.
