@@ -48,18 +48,13 @@ struct NormalRun : bsntest::ComponentRun {
 
 // Counts progress reports and, at report number `cancelAt` (1-based),
 // raises the cancel flag.
-class CancellingListener : public MCCommon_850::ProgressListener {
-public:
-    CancellingListener(MCCommon_850::MCAtomicCancel& cancel, int cancelAt) : m_cancel(cancel), m_cancelAt(cancelAt) {}
-    void Notify(const MCCommon_850::ProgressReport& report) override {
-        records.push_back(report.DiscreteMeasure("records"));
-        if (static_cast<int>(records.size()) == m_cancelAt) m_cancel.Cancel();
+struct CancellingListener : bsntest::RecordCounts {
+    CancellingListener(MCCommon_850::MCAtomicCancel& cancel, int cancelAt) {
+        onNotify = [this, &cancel, cancelAt] {
+            if (static_cast<int>(records.size()) == cancelAt) cancel.Cancel();
+        };
     }
-    std::vector<int> records;
-
-private:
-    MCCommon_850::MCAtomicCancel& m_cancel;
-    int m_cancelAt;
+    std::vector<int>& records = counts;
 };
 
 // Weighted mean and sample variance (divisor sum of weights - 1), two-pass.
