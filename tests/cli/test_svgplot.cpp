@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cmath>
 #include <filesystem>
 #include <numbers>
@@ -76,9 +77,8 @@ struct Svg {
 double fromTicks(const XMLElement* panel, const char* axis, double page) {
     const auto ticks = ByClass(panel, axis);
     EXPECT_GE(ticks.size(), 2u);
-    const char* coord = std::string(axis) == "x" ? "x" : "y";
-    const double offset = std::string(axis) == "x" ? 0 : -4;  // y labels sit 4 below their tick
-    const double p0 = ticks.front()->DoubleAttribute(coord) + offset, p1 = ticks.back()->DoubleAttribute(coord) + offset;
+    const double offset = axis[0] == 'x' ? 0 : -4;  // y labels sit 4 below their tick
+    const double p0 = ticks.front()->DoubleAttribute(axis) + offset, p1 = ticks.back()->DoubleAttribute(axis) + offset;
     const double v0 = std::stod(bsntest::Text(ticks.front())), v1 = std::stod(bsntest::Text(ticks.back()));
     return v0 + (page - p0) * (v1 - v0) / (p1 - p0);
 }
@@ -86,11 +86,8 @@ double fromTicks(const XMLElement* panel, const char* axis, double page) {
 std::vector<std::pair<double, double>> points(const XMLElement& e) {
     std::vector<std::pair<double, double>> out;
     std::istringstream in(Attr(e, "points"));
-    std::string pair;
-    while (in >> pair) {
-        const auto comma = pair.find(',');
-        out.emplace_back(std::stod(pair.substr(0, comma)), std::stod(pair.substr(comma + 1)));
-    }
+    double x = 0, y = 0;
+    for (char comma; in >> x >> comma >> y;) out.emplace_back(x, y);
     return out;
 }
 
@@ -102,9 +99,7 @@ double topOf(const XMLElement* panel, const char* cls) {  // smallest page y of 
 }
 
 bool contains(const std::vector<std::string>& texts, const std::string& part) {
-    for (const auto& t : texts)
-        if (t.find(part) != std::string::npos) return true;
-    return false;
+    return std::any_of(texts.begin(), texts.end(), [&](const std::string& t) { return t.find(part) != std::string::npos; });
 }
 
 } // namespace
