@@ -1,6 +1,5 @@
 #pragma once
-// Runs of the host inside the test process: its exit status and what it
-// wrote to its two streams.
+// Runs of the host inside the test process: exit status and both streams.
 #include <sstream>
 #include <string>
 #include <vector>
