@@ -137,8 +137,7 @@ TEST(CsvRecordIter, ErrorsNameFileLineAndColumn) {
 
 TEST(CsvRecordIter, NominalCodesSortNumbersByValueThenText) {
     bsntest::TempDir dir;
-    const std::string path =
-        dir.Write("f.csv", "f,y\nb,1\na,2\n10,3\n9,4\n2.5,5\n1.0,6\n1,7\na,8\nNA,9\nB,10\n");
+    const std::string path = dir.Write("f.csv", "f,y\nb,1\na,2\n10,3\n9,4\n2.5,5\n1.0,6\n1,7\na,8\nNA,9\nB,10\n");
     CsvRecordIter iter(path, {0, 1}, {0});
     const CsvScanResult scan = iter.Scan();
     ASSERT_EQ(scan.error, "");
