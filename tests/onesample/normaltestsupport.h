@@ -62,19 +62,15 @@ struct Moments {
     double n = 0, mean = 0, var = 0;
 };
 inline Moments moments(const std::vector<double>& x, const std::vector<double>& w = {}) {
+    const auto wt = [&](std::size_t i) { return w.empty() ? 1.0 : w[i]; };
     Moments m;
-    double sum = 0;
+    double sum = 0, ss = 0;
     for (std::size_t i = 0; i < x.size(); ++i) {
-        const double wi = w.empty() ? 1.0 : w[i];
-        m.n += wi;
-        sum += wi * x[i];
+        m.n += wt(i);
+        sum += wt(i) * x[i];
     }
     m.mean = sum / m.n;
-    double ss = 0;
-    for (std::size_t i = 0; i < x.size(); ++i) {
-        const double wi = w.empty() ? 1.0 : w[i];
-        ss += wi * (x[i] - m.mean) * (x[i] - m.mean);
-    }
+    for (std::size_t i = 0; i < x.size(); ++i) ss += wt(i) * (x[i] - m.mean) * (x[i] - m.mean);
     m.var = ss / (m.n - 1.0);
     return m;
 }
