@@ -50,9 +50,8 @@ TEST(SettingsJson, EnumerationsByNumberOrWordNullsAndColumnPositions) {
         "RegrWeightVar": "y", "FTests": [{"UseIntercept": true, "Predictors": ["b", "a"],
         "TestValues": [0.5, null], "Label": "b and a"}]})");
     const double M = MCMV::Missing();
-    EXPECT_EQ(n.GetPriorParam1(), M);
-    EXPECT_EQ(n.GetPriorParam2(), 4.5);
-    EXPECT_EQ(n.GetCILevel(), M);
+    EXPECT_EQ((std::vector<double>{n.GetPriorParam1(), n.GetPriorParam2(), n.GetCILevel()}),
+              (std::vector<double>{M, 4.5, M}));
     EXPECT_EQ(n.GetNullPrior1s(), (std::vector<double>{1, M, 3}));
     const std::vector<int> vars = {n.GetFrequencyWeightVar(), n.GetGroupVar(), n.GetDependentVar(), n.GetRegrWeightVar()};
     EXPECT_EQ(vars, (std::vector<int>{-1, 3, 0, 4}));
@@ -82,10 +81,8 @@ TEST(SettingsJson, ModelTypeComesFirstAndDependentKeysFollowTheirLists) {
 
     // Sizes and second lists are checked against lists that sort after them.
     s = parse(R"({"FactorSizes": [2, 3], "Factors": ["b", "a"], "2ndRelatedList": ["y"], "Covariates": ["g"]})");
-    EXPECT_EQ(s.GetFactors(), (std::vector<int>{2, 1}));
-    EXPECT_EQ(s.GetFactorSizes(), (std::vector<int>{2, 3}));
-    EXPECT_EQ(s.GetCovariates(), (std::vector<int>{3}));
-    EXPECT_EQ(s.Get2ndRelatedList(), (std::vector<int>{4}));
+    EXPECT_EQ((std::vector<std::vector<int>>{s.GetFactors(), s.GetFactorSizes(), s.GetCovariates(), s.Get2ndRelatedList()}),
+              (std::vector<std::vector<int>>{{2, 1}, {2, 3}, {3}, {4}}));
 }
 
 // Every refusal names the key and what is wrong with its value.
@@ -179,12 +176,9 @@ TEST(SettingsJson, WrittenSettingsUseTheFileKeysAndReadBackUnchanged) {
     const auto out = SettingsToJson(s, kColumns);
     // Variables by column name, enumerations by number, missing as null.
     EXPECT_EQ(out.begin().key(), "ModelType");
-    EXPECT_EQ(out["ModelType"], 1);
-    EXPECT_EQ(out["2ndRelatedList"], json({"g", "y"}));
-    EXPECT_EQ(out["FrequencyWeightVar"], "w");
-    EXPECT_TRUE(out["GroupVar"].is_null());
-    EXPECT_EQ(out["NullValues"], json::parse("[0, null]"));
-    EXPECT_EQ(out["PriorDistType"], 8);
+    const auto expected = nlohmann::ordered_json::parse(R"({"ModelType": 1, "2ndRelatedList": ["g", "y"],
+        "FrequencyWeightVar": "w", "GroupVar": null, "NullValues": [0, null], "PriorDistType": 8})");
+    for (const auto& [key, value] : expected.items()) EXPECT_EQ(out.at(key), value) << key;
     for (const char* hostOnly : {"ProgressListener", "CancelPointer", "ThreadFactory", "WarningMessages"})
         EXPECT_FALSE(out.contains(hostOnly)) << hostOnly;
 
