@@ -34,17 +34,14 @@ std::set<std::string> filesUnder(const std::string& dir) {
 
 // Raises SIGINT at the k-th question and never cancels itself: the run can
 // only stop through the handler the host installed.
-class CtrlCAt : public MCCommon_850::MCQueryCancel {
-public:
-    explicit CtrlCAt(long k) : m_k(k) {}
+struct CtrlCAt : MCCommon_850::MCQueryCancel {
+    explicit CtrlCAt(long k) : k(k) {}
     bool IsCancel() const override {
-        if (++m_calls == m_k) ::raise(SIGINT);
+        if (++calls == k) ::raise(SIGINT);
         return false;
     }
-    mutable long m_calls = 0;
-
-private:
-    long m_k;
+    long k;
+    mutable long calls = 0;
 };
 
 void expectFailureDocument(const json& doc, int code, const std::string& message, const std::string& what) {
@@ -148,7 +145,7 @@ TEST(HostDataPath, CtrlCIsHonouredInEveryPhase) {
         CtrlCAt ctrlC(k);
         options.cancel = &ctrlC;
         const auto r = bsntest::RunHost(options);
-        if (ctrlC.m_calls < k) {  // the run finished before the k-th question
+        if (ctrlC.calls < k) {  // the run finished before the k-th question
             EXPECT_EQ(r.code, 0) << r.err;
             break;
         }
