@@ -59,14 +59,11 @@ const std::string kTricky = "\xEF\xBB\xBF" "id,name,x\r\n1,\"a, b\",2.5\r\n2,\"s
 const Rows kTrickyRows = {{1, 1, 2.5}, {2, 3, -300}, {3, 4, 7}, {4, 2, M}, {5, 0, 0.001}};
 const std::vector<std::string> kTrickyLabels = {"\"", "a, b", "plain", "say \"hi\"", "two\r\nlines"};
 
-class CountingCancel : public MCCommon_850::MCQueryCancel {
-public:
-    explicit CountingCancel(int at) : m_at(at) {}
-    bool IsCancel() const override { return ++m_calls >= m_at; }
-    mutable int m_calls = 0;
-
-private:
-    int m_at;
+struct CountingCancel : MCCommon_850::MCQueryCancel {
+    explicit CountingCancel(int at) : at(at) {}
+    bool IsCancel() const override { return ++calls >= at; }
+    int at;
+    mutable int calls = 0;
 };
 
 } // namespace
@@ -309,5 +306,5 @@ TEST(ColumnCache, ScanStopsWhenCancelled) {
     const auto scan = iter.Scan(&never);
     EXPECT_FALSE(scan.cancelled);
     EXPECT_EQ(scan.nRecords, 1000);
-    EXPECT_EQ(never.m_calls, 4);
+    EXPECT_EQ(never.calls, 4);
 }
