@@ -14,13 +14,10 @@ using MCMath_850::LobattoQuad;
 
 namespace {
 
-class FnIntegrand : public IIntegrand {
-public:
-    explicit FnIntegrand(std::function<double(double)> f) : m_f(std::move(f)) {}
-    double ComputeNI(double x) override { return m_f(x); }
-
-private:
-    std::function<double(double)> m_f;
+struct FnIntegrand : IIntegrand {
+    explicit FnIntegrand(std::function<double(double)> f) : f(std::move(f)) {}
+    double ComputeNI(double x) override { return f(x); }
+    std::function<double(double)> f;
 };
 
 double integrate(const std::function<double(double)>& f, double a, double b, double tol, int* iters = nullptr) {
