@@ -25,8 +25,7 @@ struct FailingTask : IMCThreadTask {
 };
 
 // Blocks until released, so a run can be observed while it is going.
-class GateTask : public IMCThreadTask {
-public:
+struct GateTask : IMCThreadTask {
     bool RunTask() override {
         while (!open.load()) std::this_thread::sleep_for(std::chrono::milliseconds(1));
         return true;
