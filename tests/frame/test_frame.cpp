@@ -3,6 +3,7 @@
 #include <functional>
 #include <sstream>
 #include <string>
+#include <tuple>
 #include <vector>
 
 #include "bsn/frame/bsnalgorithm.h"
@@ -72,7 +73,9 @@ BSNSettings binomial(int nFactors, BSNConst::AnalysTypes type) {
 void expectError(const MCStatus& st, int code, int datum = -1) {
     EXPECT_EQ(st.IsError(), code != 0) << "code " << st.GetCode();
     EXPECT_EQ(st.GetCode(), code);
-    if (datum >= 0) EXPECT_EQ(st.GetDiscreteDatum(0), datum);
+    if (datum >= 0) {
+        EXPECT_EQ(st.GetDiscreteDatum(0), datum);
+    }
 }
 
 // Applies each change in turn to the one settings record and validates after it.
@@ -357,17 +360,14 @@ TEST(Validation, LogLinearAndUnknownTypes) {
 // The JSON reader checks the correlation and independent-samples
 // adjustments; here the adjust flag and the way back to one sample.
 TEST(Settings, ModelTypeAdjustsDependentDefaults) {
-    BSNSettings noAdjust, regr;
-    noAdjust.SetModelType(BSNConst::Regression, false);
-    EXPECT_EQ(noAdjust.GetModelType(), BSNConst::Regression);
-    EXPECT_EQ(noAdjust.GetMissScope(), BSNConst::MissingAnalysis);
-    EXPECT_EQ(noAdjust.GetPriorType(), BSNConst::Conjugate);
-    regr.SetModelType(BSNConst::Regression, true);
-    EXPECT_EQ(regr.GetMissScope(), BSNConst::MissingListwise);
-    EXPECT_EQ(regr.GetPriorType(), BSNConst::Reference);
-    regr.SetModelType(BSNConst::OneSample, true);
-    EXPECT_EQ(regr.GetMissScope(), BSNConst::MissingAnalysis);
-    EXPECT_EQ(regr.GetPriorType(), BSNConst::Conjugate);
+    using namespace BSNConst;
+    BSNSettings s;
+    for (const auto& [type, adjust, scope, prior] :
+         {std::tuple{Regression, false, MissingAnalysis, Conjugate}, std::tuple{Regression, true, MissingListwise, Reference},
+          std::tuple{OneSample, true, MissingAnalysis, Conjugate}}) {
+        s.SetModelType(type, adjust);
+        EXPECT_EQ(std::tuple(s.GetModelType(), s.GetMissScope(), s.GetPriorType()), std::tuple(type, scope, prior)) << adjust;
+    }
 }
 
 // What the JSON reader's refusal test does not reach: variable setters that
