@@ -6,36 +6,23 @@
 
 #include <filesystem>
 #include <map>
+#include <optional>
 #include <set>
-#include <sstream>
 #include <string>
 #include <vector>
 
 #include <fmt/format.h>
 #include <nlohmann/json.hpp>
 
-#include "bsn/frame/bsncomponent.h"
 #include "cli/host.h"
+#include "platform/progress/mcquerycancel.h"
+#include "tests/cli/hostrun.h"
 #include "tests/cli/tempfiles.h"
 
 using json = nlohmann::ordered_json;
 namespace C = MCBSN_850::BSNConst;
 
 namespace {
-
-struct RunResult {
-    int code = -1;
-    std::string out, err;
-};
-
-RunResult runOptions(const bsncli::RunOptions& options) {
-    std::ostringstream out, err;
-    RunResult r;
-    r.code = bsncli::RunAnalysis(options, out, err);
-    r.out = out.str();
-    r.err = err.str();
-    return r;
-}
 
 // Files in a directory tree, relative names.
 std::set<std::string> filesUnder(const std::string& dir) {
@@ -45,20 +32,16 @@ std::set<std::string> filesUnder(const std::string& dir) {
     return names;
 }
 
-// Presses Ctrl-C (raises SIGINT in this process) when asked for the k-th
-// time, and otherwise never asks to cancel itself: the run can only stop
-// through the handler the host installed.
-class CtrlCAt : public MCCommon_850::MCQueryCancel {
-public:
-    explicit CtrlCAt(long k) : m_k(k) {}
+// Raises SIGINT at the k-th question and never cancels itself: the run can
+// only stop through the handler the host installed.
+struct CtrlCAt : MCCommon_850::MCQueryCancel {
+    explicit CtrlCAt(long k) : k(k) {}
     bool IsCancel() const override {
-        if (++m_calls == m_k) ::raise(SIGINT);
+        if (++calls == k) ::raise(SIGINT);
         return false;
     }
-    mutable long m_calls = 0;
-
-private:
-    long m_k;
+    long k;
+    mutable long calls = 0;
 };
 
 void expectFailureDocument(const json& doc, int code, const std::string& message, const std::string& what) {
@@ -79,44 +62,46 @@ TEST(HostDataPath, EveryFailureWritesAJsonDocument) {
     const std::string normal = R"({"ModelType": 0, "TestDistType": 0, "Covariates": ["x"]})";
     const std::string good = "x,y\n1,2\n3,4\n";
     struct Case {
-        std::string settings, data, plots;
+        std::optional<std::string> settings, data;  // none: the file does not exist
+        std::string plots;
         int exit, code;
         std::string message;  // in the JSON status message and the readable report
     };
     std::vector<Case> cases = {
+        {std::nullopt, good, "", 2, 420060, "absent.json: cannot open"},
         {"{\"ModelType\": 0,", good, "", 2, 420060, "not valid JSON"},
+        {R"({"Covariates": ["x"], "Colour": 1})", good, "", 2, 420060, "unknown settings key 'Colour'"},
         {R"({"Covariates": ["z"]})", good, "", 2, 420060, "unknown column 'z'"},
+        {normal, std::nullopt, "", 2, 420061, "absent.csv: cannot open"},
         {normal, "", "", 2, 420061, "empty"},
         {normal, "x,y\n1,2\nzero,4\n", "", 2, 420061, "d.csv:3: column 'x': 'zero' is not a number"},
         {normal, "x,y\n1,2\n3\n", "", 2, 420061, "d.csv:3: expected 2 fields, found 1"},
         {normal, "x,y\n1,2\n\"3,4\n", "", 2, 420061, "d.csv:3"},
-        // A bad cell that is not UTF-8 is quoted in the message: the
-        // document must still be valid JSON (found by fuzzing).
+        // A bad cell that is not UTF-8, quoted in valid JSON (found by fuzzing).
         {normal, "x,y\n1,2\n\xF5\xF5,4\n", "", 2, 420061, "d.csv:3: column 'x': '"},
-        // Settings the check refuses keep the library's status.
-        {R"({"ModelType": "Related", "Covariates": ["x"]})", good, "", 2, 410039, "no covariates"},
+        // Settings the check refuses keep the library's status and its text.
+        {R"({"ModelType": "Related", "Covariates": ["x"]})", good, "", 2, 410039,
+         "Error: no covariates specified. At least one covariate is required"},
         // An output that cannot be written: --plots names a file.
         {normal, good, "taken", 2, 420063, "--plots"},
         // No record: the analysis's own error.
         {normal, "x,y\n", "", 1, 410003, "No valid cases"},
     };
-    for (int m = 0; m <= 6; ++m) {
-        MCBSN_850::BSNSettings s;
-        s.SetModelType(static_cast<C::ModelTypes>(m), true);
-        if (!MCBSN_850::BSNComponent(s, MCXML_850::MCVarList()).HasProcedure())
-            cases.push_back({fmt::format(R"({{"ModelType": {}, "Covariates": ["x", "y"]}})", m), good, "", 2, 420062,
-                             "has no analysis in this build"});
-    }
+    for (int m = 0; m <= 6; ++m)
+        for (int d = 0; d <= (m == 0 ? 2 : 0); ++d)
+            if (!bsntest::HasAnalysis(static_cast<C::ModelTypes>(m), static_cast<C::DistTypes>(d)))
+                cases.push_back({fmt::format(R"({{"ModelType": {}, "TestDistType": {}, "Covariates": ["x", "y"]}})", m, d),
+                                 good, "", 2, 420062, fmt::format("model type {} (", m)});
     dir.Write("taken", "a file where the plots directory should be");
     for (const Case& c : cases) {
         for (const bool toStdout : {false, true}) {
             bsncli::RunOptions options;
-            options.settingsPath = dir.Write("s.json", c.settings);
-            options.dataPath = dir.Write("d.csv", c.data);
+            options.settingsPath = c.settings ? dir.Write("s.json", *c.settings) : dir.Path("absent.json");
+            options.dataPath = c.data ? dir.Write("d.csv", *c.data) : dir.Path("absent.csv");
             options.jsonPath = toStdout ? "-" : dir.Path("r.json");
             if (!c.plots.empty()) options.plotsDir = dir.Path(c.plots);
             std::filesystem::remove(dir.Path("r.json"));
-            const RunResult r = runOptions(options);
+            const auto r = bsntest::RunHost(options);
             EXPECT_EQ(r.code, c.exit) << c.message;
             EXPECT_NE((r.err + r.out).find(c.message), std::string::npos) << c.message << " in " << r.err;
             const std::string text = toStdout ? r.out : bsntest::TempDir::Read(dir.Path("r.json"));
@@ -133,9 +118,7 @@ TEST(HostDataPath, EveryFailureWritesAJsonDocument) {
 
 TEST(HostDataPath, CtrlCIsHonouredInEveryPhase) {
     bsntest::TempDir dir;
-    // Enough rows for the scan to ask more than once, with every stage of a
-    // one-sample normal analysis (classical, Bayes factor, posterior) and
-    // every kind of output file.
+    // Rows for several scan questions; every stage of the analysis and every output file.
     std::string csv = "x,y\n";
     for (int i = 0; i < 600; ++i) csv += fmt::format("{},{}\n", (i * 37) % 101 / 10.0, i);
     bsncli::RunOptions options;
@@ -146,6 +129,13 @@ TEST(HostDataPath, CtrlCIsHonouredInEveryPhase) {
     options.jsonPath = dir.Path("out/r.json");
     options.plotsDir = dir.Path("out/plots");
     options.reportPath = dir.Path("out/report.html");
+    // The caller's own cancel query, set before the run: nothing runs.
+    MCCommon_850::MCAtomicCancel cancelled;
+    cancelled.Cancel();
+    options.cancel = &cancelled;
+    EXPECT_EQ(bsntest::RunHost(options).code, 1);
+    expectFailureDocument(json::parse(bsntest::TempDir::Read(options.jsonPath)), 1, "The analysis was cancelled",
+                          "cancelled before the run");
 
     std::map<std::string, int> phases;  // phase -> questions at which Ctrl-C stopped the run there
     long k = 1;
@@ -154,8 +144,8 @@ TEST(HostDataPath, CtrlCIsHonouredInEveryPhase) {
         std::filesystem::create_directories(dir.Path("out"));
         CtrlCAt ctrlC(k);
         options.cancel = &ctrlC;
-        const RunResult r = runOptions(options);
-        if (ctrlC.m_calls < k) {  // the run finished before the k-th question
+        const auto r = bsntest::RunHost(options);
+        if (ctrlC.calls < k) {  // the run finished before the k-th question
             EXPECT_EQ(r.code, 0) << r.err;
             break;
         }
@@ -163,8 +153,7 @@ TEST(HostDataPath, CtrlCIsHonouredInEveryPhase) {
         const auto at = r.err.find("The analysis was cancelled while ");
         ASSERT_NE(at, std::string::npos) << k << ": " << r.err;
         ++phases[r.err.substr(at + 33, r.err.find('\n', at) - at - 33)];
-        // Nothing but the failure document is left: no plot, no report, no
-        // temporary file.
+        // Nothing but the failure document is left, not even a temporary file.
         EXPECT_EQ(filesUnder(dir.Path("out")), std::set<std::string>{"r.json"}) << k;
         const json doc = json::parse(bsntest::TempDir::Read(options.jsonPath));
         const int code = doc["status"]["code"];
@@ -176,8 +165,7 @@ TEST(HostDataPath, CtrlCIsHonouredInEveryPhase) {
     for (const auto& [name, count] : phases) names.insert(name);
     EXPECT_EQ(names, (std::set<std::string>{"checking the settings", "choosing the analysis", "reading the data",
                                             "building the model", "writing the output"}));
-    // The long phases ask inside their work, not only on the way in: the
-    // scan every 256 rows, the output before each of its four files.
+    // Long phases ask inside: the scan every 256 rows, the output before each of its four files.
     EXPECT_GE(phases["reading the data"], 1 + 600 / 256);
     EXPECT_GE(phases["writing the output"], 4);
     EXPECT_GE(phases["building the model"], 600);

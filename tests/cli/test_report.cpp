@@ -1,18 +1,16 @@
-// The HTML report and the plots of whole runs: the examples' pictures have
-// the structure they should, and the report holds everything the terminal
-// shows, opens without a network and reads back as XML.
+// The HTML report and the plots of whole runs: the report holds everything
+// the terminal shows, opens without a network and reads back as XML.
 #include <gtest/gtest.h>
 
 #include <filesystem>
-#include <sstream>
 #include <string>
 #include <vector>
 
 #include <fmt/format.h>
 #include <nlohmann/json.hpp>
 
-#include "bsn/frame/bsncomponent.h"
 #include "cli/host.h"
+#include "tests/cli/hostrun.h"
 #include "tests/cli/svgcheck.h"
 #include "tests/cli/tempfiles.h"
 
@@ -25,9 +23,8 @@ namespace C = MCBSN_850::BSNConst;
 
 namespace {
 
-struct RunResult {
-    int code = -1;
-    std::string out, err, report;
+struct RunResult : bsntest::HostOutcome {
+    std::string report;
     nlohmann::json json;
     tinyxml2::XMLDocument html;
 };
@@ -39,24 +36,13 @@ void run(const std::string& settings, const std::string& data, const bsntest::Te
     options.jsonPath = dir.Path("r.json");
     options.plotsDir = dir.Path("plots");
     options.reportPath = dir.Path("report.html");
-    std::ostringstream out, err;
-    r.code = bsncli::RunAnalysis(options, out, err);
-    r.out = out.str();
-    r.err = err.str();
+    static_cast<bsntest::HostOutcome&>(r) = bsntest::RunHost(options);
     r.report = bsntest::TempDir::Read(options.reportPath);
     r.json = nlohmann::json::parse(bsntest::TempDir::Read(options.jsonPath));
     EXPECT_EQ(r.html.Parse(r.report.c_str()), tinyxml2::XML_SUCCESS) << r.html.ErrorStr();
 }
 
-bool available(C::ModelTypes model, C::DistTypes dist) {
-    MCBSN_850::BSNSettings s;
-    s.SetModelType(model, true);
-    s.SetTestDistType(dist);
-    return MCBSN_850::BSNComponent(s, MCXML_850::MCVarList()).HasProcedure();
-}
-
-// The terminal's tables: blocks between blank lines after the heading line,
-// up to the warnings or the status.
+// The terminal's tables: blocks between blank lines up to the warnings or status.
 std::vector<std::string> terminalTables(const std::string& out) {
     std::vector<std::string> blocks;
     const std::size_t start = out.find("\n\n");
@@ -80,8 +66,6 @@ void expectSelfContained(const XMLElement* root) {
 
 } // namespace
 
-// One example per analysis: the files, panels and legends its plots must
-// have, and the report of the run.
 TEST(Report, ExamplesPlotsAndReportHoldWhatTheTerminalShows) {
     struct Example {
         const char* name;
@@ -105,7 +89,7 @@ TEST(Report, ExamplesPlotsAndReportHoldWhatTheTerminalShows) {
     };
     const std::string root = BSN_SOURCE_DIR;
     for (const Example& ex : examples) {
-        if (!available(ex.model, ex.dist)) continue;
+        if (!bsntest::HasAnalysis(ex.model, ex.dist)) continue;
         SCOPED_TRACE(ex.name);
         bsntest::TempDir dir;
         RunResult r;
@@ -166,20 +150,20 @@ TEST(Report, ExamplesPlotsAndReportHoldWhatTheTerminalShows) {
 
 TEST(Report, RefusedRunsWarningsAndWritingWhole) {
     bsntest::TempDir dir;
-    if (available(C::Related, C::Normal)) {
+    if (bsntest::HasAnalysis(C::Related, C::Normal)) {
         RunResult r;
         run(dir.Write("s.json", R"({"ModelType": "Related", "Covariates": ["x"]})"), dir.Write("d.csv", "x,y\n1,2\n"),
             dir, r);
         EXPECT_EQ(r.code, 2);
+        EXPECT_NE(r.err.find("the settings were refused"), std::string::npos) << r.err;
         const XMLElement* html = r.html.RootElement();
         ASSERT_NE(html, nullptr);
         EXPECT_EQ(Text(ByClass(html, "status-error").at(0)).rfind("error 410039: ", 0), 0u);
         EXPECT_TRUE(ByName(html, "figure").empty());
         EXPECT_EQ(Text(ByName(html, "h1").at(0)), "Related analysis");
     }
-    if (available(C::OneSample, C::Normal)) {
-        // A constant column: warning 410010 named after its variable, in the
-        // report as on the terminal; names are escaped.
+    if (bsntest::HasAnalysis(C::OneSample, C::Normal)) {
+        // Warning 410010 on a constant column, named as on the terminal; names escaped.
         RunResult r;
         run(dir.Write("s.json", R"({"ModelType": 0, "TestDistType": 0, "Covariates": ["a<&>", "c"]})"),
             dir.Write("d.csv", "a<&>,c\n1.2,5\n2.3,5\n3.1,5\n4.8,5\n"), dir, r);
@@ -192,14 +176,13 @@ TEST(Report, RefusedRunsWarningsAndWritingWhole) {
         EXPECT_TRUE(named);
         EXPECT_NE(r.report.find("a&lt;&amp;&gt;"), std::string::npos);
     }
-    // A report into a directory that does not exist: an input error, and
-    // no file (temporary or not) anywhere.
+    // A report into a missing directory: an input error, and no file anywhere.
     bsncli::RunOptions options;
     options.settingsPath = dir.Write("s.json", R"({"ModelType": "Related", "Covariates": ["x"]})");
     options.dataPath = dir.Write("d.csv", "x,y\n1,2\n");
     options.reportPath = dir.Path("missing/report.html");
-    std::ostringstream out, err;
-    EXPECT_EQ(bsncli::RunAnalysis(options, out, err), 2);
-    EXPECT_NE(err.str().find("--report: cannot write"), std::string::npos) << err.str();
+    const auto r = bsntest::RunHost(options);
+    EXPECT_EQ(r.code, 2);
+    EXPECT_NE(r.err.find("--report: cannot write"), std::string::npos) << r.err;
     EXPECT_FALSE(std::filesystem::exists(dir.Path("missing")));
 }

@@ -1,5 +1,4 @@
-// The host's --pmml and --score options on the regression and ANOVA
-// examples, and their errors.
+// The host's --pmml and --score options on the regression and ANOVA examples.
 #include <gtest/gtest.h>
 
 #include <filesystem>
@@ -7,43 +6,29 @@
 #include <string>
 #include <vector>
 
-#include "cli/host.h"
 #include "cli/scoring.h"
+#include "tests/cli/hostrun.h"
 #include "tests/cli/tempfiles.h"
 #include "tests/pmml/pmmlevaluator.h"
 #include "tests/pmml/pmmlschemacheck.h"
 
 namespace {
 
-struct HostRun {
-    int code = -1;
-    std::string out, err;
-};
-
-HostRun run(const std::vector<std::string>& args) {
-    std::vector<const char*> argv{"bsn", "run"};
-    for (const auto& a : args) argv.push_back(a.c_str());
-    std::ostringstream out, err;
-    HostRun r;
-    r.code = bsncli::Main(static_cast<int>(argv.size()), argv.data(), out, err);
-    r.out = out.str();
-    r.err = err.str();
-    return r;
+bsntest::HostOutcome run(std::vector<std::string> args) {
+    args.insert(args.begin(), "run");
+    return bsntest::RunCommandLine(args);
 }
 
 std::string example(const std::string& name) { return std::string(BSN_SOURCE_DIR) + "/examples/" + name; }
 
+// Cells of a CSV text without quoting; an empty cell stays a cell.
 std::vector<std::vector<std::string>> csvRows(const std::string& text) {
     std::vector<std::vector<std::string>> rows;
     std::istringstream in(text);
-    std::string line;
-    while (std::getline(in, line)) {
-        std::vector<std::string> row;
-        std::string cell;
-        std::istringstream cells(line);
-        while (std::getline(cells, cell, ',')) row.push_back(cell);
-        if (!line.empty() && line.back() == ',') row.emplace_back();
-        rows.push_back(row);
+    for (std::string line; std::getline(in, line);) {
+        auto& row = rows.emplace_back(1);
+        for (const char ch : line)
+            if (ch == ',') row.emplace_back(); else row.back() += ch;
     }
     return rows;
 }
@@ -60,7 +45,7 @@ TEST(ScoringHost, ExamplesWritePmmlAndScoresThatAgree) {
     bsntest::TempDir dir;
     for (const std::string name : {"regression", "anova"}) {
         const std::string pmml = dir.Path(name + ".pmml"), scores = dir.Path(name + "_scores.csv");
-        const HostRun r = run({example(name + ".json"), example(name + ".csv"), "--pmml", pmml, "--pmml-covariance",
+        const auto r = run({example(name + ".json"), example(name + ".csv"), "--pmml", pmml, "--pmml-covariance",
                                "--score", example(name + "_new.csv"), "--scores", scores});
         ASSERT_EQ(r.code, 0) << r.err;
         EXPECT_NE(r.out.find("PMML: model written to " + pmml), std::string::npos) << r.out;
@@ -70,8 +55,7 @@ TEST(ScoringHost, ExamplesWritePmmlAndScoresThatAgree) {
         const pmmltest::GeneralRegressionEvaluator model(xml);
         EXPECT_FALSE(model.covariance.empty());
 
-        // The new file's columns, then the five scores; the PMML document
-        // predicts the same means from the raw values.
+        // The new file's columns, then the scores; the PMML document predicts the same means.
         const auto newRows = csvRows(bsntest::TempDir::Read(example(name + "_new.csv")));
         const auto rows = csvRows(bsntest::TempDir::Read(scores));
         ASSERT_EQ(rows.size(), newRows.size()) << name;
@@ -85,8 +69,7 @@ TEST(ScoringHost, ExamplesWritePmmlAndScoresThatAgree) {
             std::map<std::string, std::string> record;
             for (std::size_t c = 0; c < n; ++c) record[newRows[0][c]] = newRows[i][c];
             const auto predicted = model.Predict(record);
-            // A missing predictor: an empty row of scores. The regression
-            // example asks for variances in scoring; the ANOVA one does not.
+            // A missing predictor empties the scores; only regression asks for variances.
             for (std::size_t c = n; c < header.size(); ++c)
                 EXPECT_EQ(rows[i][c].empty(), !predicted || (c >= n + 2 && name == "anova")) << name << " " << i;
             if (!predicted) continue;
@@ -96,7 +79,7 @@ TEST(ScoringHost, ExamplesWritePmmlAndScoresThatAgree) {
     }
     EXPECT_EQ(fileCount(dir), 4);
     // Scores on standard output replace the tables.
-    const HostRun r = run({example("anova.json"), example("anova.csv"), "--score", example("anova_new.csv")});
+    const auto r = run({example("anova.json"), example("anova.csv"), "--score", example("anova_new.csv")});
     ASSERT_EQ(r.code, 0) << r.err;
     EXPECT_EQ(r.out.rfind("plot,treatment,predicted_mode,", 0), 0u) << r.out;
     EXPECT_NE(r.err.find("Status: OK"), std::string::npos) << r.err;
@@ -126,7 +109,7 @@ TEST(ScoringHost, ErrorsNameTheirCauseAndLeaveNoFiles) {
          "--pmml-covariance: the model has no posterior covariance"},
     };
     for (const auto& c : cases) {
-        const HostRun r = run(c.args);
+        const auto r = run(c.args);
         EXPECT_EQ(r.code, 2) << c.message << "\n" << r.err;
         EXPECT_NE(r.err.find(c.message), std::string::npos) << r.err;
     }

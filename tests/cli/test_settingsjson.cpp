@@ -35,7 +35,7 @@ std::string errorOf(const std::string& text) {
 
 } // namespace
 
-TEST(SettingsJson, EnumerationsByNumberOrWord) {
+TEST(SettingsJson, EnumerationsByNumberOrWordNullsAndColumnPositions) {
     const BSNSettings s = parse(R"({"ModelType": "related", "TestDistType": "jeffreys-2", "AnalysType": 2,
         "PriorDistType": "Inverse Chi-Square", "MeanDistType": "DIFFUSE", "LogLinPriorType": "Dirichlet",
         "FixType": "fixed row", "RegrCompType": "Gonen", "EstBFType": "Simple", "MethodType": "MCA"})");
@@ -44,12 +44,27 @@ TEST(SettingsJson, EnumerationsByNumberOrWord) {
                                   s.GetEstBFType(),     s.GetMethodType()};
     EXPECT_EQ(got, (std::vector<int>{C::Related, C::Jeffreys2, C::Both, C::InverseChiSquare, C::Diffuse,
                                      C::LogLinDirichlet, C::FixedRow, C::Gonen, C::Simple, C::MCA}));
-
+    // Null is the missing value; variables are column positions.
+    const BSNSettings n = parse(R"({"PriorParam1": null, "PriorParam2": 4.5, "CILevel": null,
+        "NullPrior1s": [1, null, 3], "FrequencyWeightVar": null, "GroupVar": "g", "DependentVar": "w",
+        "RegrWeightVar": "y", "FTests": [{"UseIntercept": true, "Predictors": ["b", "a"],
+        "TestValues": [0.5, null], "Label": "b and a"}]})");
+    const double M = MCMV::Missing();
+    EXPECT_EQ((std::vector<double>{n.GetPriorParam1(), n.GetPriorParam2(), n.GetCILevel()}),
+              (std::vector<double>{M, 4.5, M}));
+    EXPECT_EQ(n.GetNullPrior1s(), (std::vector<double>{1, M, 3}));
+    const std::vector<int> vars = {n.GetFrequencyWeightVar(), n.GetGroupVar(), n.GetDependentVar(), n.GetRegrWeightVar()};
+    EXPECT_EQ(vars, (std::vector<int>{-1, 3, 0, 4}));
+    ASSERT_EQ(n.GetFTests().size(), 1u);
+    const auto& t = n.GetFTests()[0];
+    EXPECT_TRUE(t.GetUseIntercept());
+    EXPECT_EQ(t.GetPredictors(), (std::vector<int>{2, 1}));
+    EXPECT_EQ(t.GetTestValues(), (std::vector<double>{0.5, M}));
+    EXPECT_EQ(t.GetLabel(), "b and a");
 }
 
 TEST(SettingsJson, ModelTypeComesFirstAndDependentKeysFollowTheirLists) {
-    // The model type resets the missing scope and the Bayes-factor method;
-    // the file's own values must survive whatever the key order.
+    // The model type resets MissScope and RegrCompType; the file's own values survive.
     BSNSettings s = parse(R"({"MissScope": 0, "RegrCompType": "Siow", "ModelType": "Independent"})");
     EXPECT_EQ(s.GetModelType(), C::Independent);
     EXPECT_EQ(s.GetMissScope(), C::MissingAnalysis);
@@ -66,10 +81,8 @@ TEST(SettingsJson, ModelTypeComesFirstAndDependentKeysFollowTheirLists) {
 
     // Sizes and second lists are checked against lists that sort after them.
     s = parse(R"({"FactorSizes": [2, 3], "Factors": ["b", "a"], "2ndRelatedList": ["y"], "Covariates": ["g"]})");
-    EXPECT_EQ(s.GetFactors(), (std::vector<int>{2, 1}));
-    EXPECT_EQ(s.GetFactorSizes(), (std::vector<int>{2, 3}));
-    EXPECT_EQ(s.GetCovariates(), (std::vector<int>{3}));
-    EXPECT_EQ(s.Get2ndRelatedList(), (std::vector<int>{4}));
+    EXPECT_EQ((std::vector<std::vector<int>>{s.GetFactors(), s.GetFactorSizes(), s.GetCovariates(), s.Get2ndRelatedList()}),
+              (std::vector<std::vector<int>>{{2, 1}, {2, 3}, {3}, {4}}));
 }
 
 // Every refusal names the key and what is wrong with its value.
@@ -111,28 +124,8 @@ TEST(SettingsJson, RefusalsNameTheKeyAndTheProblem) {
     EXPECT_EQ(parse(R"({"MCSamples": 500.0})").GetMCSamples(), 500);
 }
 
-TEST(SettingsJson, NullIsTheMissingValueAndVariablesAreColumnPositions) {
-    const BSNSettings s = parse(R"({"PriorParam1": null, "PriorParam2": 4.5, "CILevel": null,
-        "NullPrior1s": [1, null, 3], "FrequencyWeightVar": null, "GroupVar": "g", "DependentVar": "w",
-        "RegrWeightVar": "y", "FTests": [{"UseIntercept": true, "Predictors": ["b", "a"],
-        "TestValues": [0.5, null], "Label": "b and a"}]})");
-    const double M = MCMV::Missing();
-    EXPECT_EQ(s.GetPriorParam1(), M);
-    EXPECT_EQ(s.GetPriorParam2(), 4.5);
-    EXPECT_EQ(s.GetCILevel(), M);
-    EXPECT_EQ(s.GetNullPrior1s(), (std::vector<double>{1, M, 3}));
-    const std::vector<int> vars = {s.GetFrequencyWeightVar(), s.GetGroupVar(), s.GetDependentVar(), s.GetRegrWeightVar()};
-    EXPECT_EQ(vars, (std::vector<int>{-1, 3, 0, 4}));
-    ASSERT_EQ(s.GetFTests().size(), 1u);
-    const auto& t = s.GetFTests()[0];
-    EXPECT_TRUE(t.GetUseIntercept());
-    EXPECT_EQ(t.GetPredictors(), (std::vector<int>{2, 1}));
-    EXPECT_EQ(t.GetTestValues(), (std::vector<double>{0.5, M}));
-    EXPECT_EQ(t.GetLabel(), "b and a");
-}
 
-// Every scalar key lands in its own field: a key wired to a neighbour's
-// setter and getter would pass a round trip, but not this.
+// Every key lands in its own field (a key wired to a neighbour's field passes a round trip).
 TEST(SettingsJson, EveryScalarKeyReachesItsOwnField) {
     using Get = std::function<double(const BSNSettings&)>;
 #define KEY(name) std::pair<std::string, Get>(#name, [](const BSNSettings& s) { return double(s.Get##name()); })
@@ -183,12 +176,9 @@ TEST(SettingsJson, WrittenSettingsUseTheFileKeysAndReadBackUnchanged) {
     const auto out = SettingsToJson(s, kColumns);
     // Variables by column name, enumerations by number, missing as null.
     EXPECT_EQ(out.begin().key(), "ModelType");
-    EXPECT_EQ(out["ModelType"], 1);
-    EXPECT_EQ(out["2ndRelatedList"], json({"g", "y"}));
-    EXPECT_EQ(out["FrequencyWeightVar"], "w");
-    EXPECT_TRUE(out["GroupVar"].is_null());
-    EXPECT_EQ(out["NullValues"], json::parse("[0, null]"));
-    EXPECT_EQ(out["PriorDistType"], 8);
+    const auto expected = nlohmann::ordered_json::parse(R"({"ModelType": 1, "2ndRelatedList": ["g", "y"],
+        "FrequencyWeightVar": "w", "GroupVar": null, "NullValues": [0, null], "PriorDistType": 8})");
+    for (const auto& [key, value] : expected.items()) EXPECT_EQ(out.at(key), value) << key;
     for (const char* hostOnly : {"ProgressListener", "CancelPointer", "ThreadFactory", "WarningMessages"})
         EXPECT_FALSE(out.contains(hostOnly)) << hostOnly;
 

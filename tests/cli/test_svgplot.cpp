@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cmath>
 #include <filesystem>
 #include <numbers>
@@ -40,8 +41,7 @@ Curve normalCurve(double mean, double sd, double lo, double hi, int n = 401) {
     return c;
 }
 
-// A parsed picture that has passed the checks every picture must pass:
-// well-formed, every text inside the page, the legend inside the main frame.
+// A parsed picture, checked well-formed, texts inside the page, legend inside the frame.
 struct Svg {
     tinyxml2::XMLDocument doc;
     const XMLElement* root = nullptr;
@@ -77,9 +77,8 @@ struct Svg {
 double fromTicks(const XMLElement* panel, const char* axis, double page) {
     const auto ticks = ByClass(panel, axis);
     EXPECT_GE(ticks.size(), 2u);
-    const char* coord = std::string(axis) == "x" ? "x" : "y";
-    const double offset = std::string(axis) == "x" ? 0 : -4;  // y labels sit 4 below their tick
-    const double p0 = ticks.front()->DoubleAttribute(coord) + offset, p1 = ticks.back()->DoubleAttribute(coord) + offset;
+    const double offset = axis[0] == 'x' ? 0 : -4;  // y labels sit 4 below their tick
+    const double p0 = ticks.front()->DoubleAttribute(axis) + offset, p1 = ticks.back()->DoubleAttribute(axis) + offset;
     const double v0 = std::stod(bsntest::Text(ticks.front())), v1 = std::stod(bsntest::Text(ticks.back()));
     return v0 + (page - p0) * (v1 - v0) / (p1 - p0);
 }
@@ -87,11 +86,8 @@ double fromTicks(const XMLElement* panel, const char* axis, double page) {
 std::vector<std::pair<double, double>> points(const XMLElement& e) {
     std::vector<std::pair<double, double>> out;
     std::istringstream in(Attr(e, "points"));
-    std::string pair;
-    while (in >> pair) {
-        const auto comma = pair.find(',');
-        out.emplace_back(std::stod(pair.substr(0, comma)), std::stod(pair.substr(comma + 1)));
-    }
+    double x = 0, y = 0;
+    for (char comma; in >> x >> comma >> y;) out.emplace_back(x, y);
     return out;
 }
 
@@ -103,9 +99,7 @@ double topOf(const XMLElement* panel, const char* cls) {  // smallest page y of 
 }
 
 bool contains(const std::vector<std::string>& texts, const std::string& part) {
-    for (const auto& t : texts)
-        if (t.find(part) != std::string::npos) return true;
-    return false;
+    return std::any_of(texts.begin(), texts.end(), [&](const std::string& t) { return t.find(part) != std::string::npos; });
 }
 
 } // namespace
@@ -133,12 +127,7 @@ TEST(SvgPlot, LikelihoodIsScaledFromItsLogarithm) {
 }
 
 TEST(SvgPlot, BayesFactorInWords) {
-    struct Case {
-        double bf;
-        bool isLog;
-        FactorDirection direction;
-        std::string words;
-    };
+    struct Case { double bf; bool isLog; FactorDirection direction; std::string words; };
     const std::vector<Case> cases = {
         {3.69, false, FactorDirection::NullOverAlternative, "BF01 = 3.69: the data are 3.7 times more likely under the null"},
         {0.2, false, FactorDirection::NullOverAlternative, "BF01 = 0.2: the data are 5 times more likely under the alternative"},
@@ -164,8 +153,7 @@ TEST(SvgPlot, BayesFactorInWords) {
 }
 
 TEST(SvgPlot, PriorPosteriorAndLikelihoodShareOneAxis) {
-    // Posterior N(1, 0.5) and prior N(0, 1): peaks within a factor of five,
-    // so both on the density scale, one panel; the null inside the axis.
+    // Posterior N(1, 0.5), prior N(0, 1): peaks within a factor of five, one density scale.
     PlotSet plot;
     plot.variable = "dose <mg> & \"x\"";
     plot.parameter = "mean";
@@ -180,7 +168,7 @@ TEST(SvgPlot, PriorPosteriorAndLikelihoodShareOneAxis) {
     plot.bayesFactor = 3.69;
     const Svg svg(bsncli::RenderPlotSvg(plot));
     ASSERT_NE(svg.root, nullptr);
-    EXPECT_EQ(svg.texts(svg.root, "title"), std::vector<std::string>{"dose <mg> & \"x\""});
+    EXPECT_EQ(svg.texts(svg.root, "title"), std::vector<std::string>{plot.variable});
     EXPECT_EQ(svg.texts(svg.root, "subtitle").at(0), "BF01 = 3.69: the data are 3.7 times more likely under the null");
     EXPECT_EQ(svg.panel("closeup"), nullptr);
     const XMLElement* main = svg.panel("main");
@@ -188,13 +176,11 @@ TEST(SvgPlot, PriorPosteriorAndLikelihoodShareOneAxis) {
     EXPECT_EQ(svg.texts(main, "legend-text"),
               (std::vector<std::string>{"posterior", "95% credible interval", "prior",
                                         "likelihood, scaled to the posterior's peak", "null value = 2.5"}));
-    // Heights read back through the y ticks: true densities for both, the
-    // likelihood's peak on the posterior's.
+    // True densities read back through the y ticks; the likelihood's peak on the posterior's.
     EXPECT_NEAR(fromTicks(main, "y", topOf(main, "posterior")), normalPdf(1, 1, 0.5), 0.01);
     EXPECT_NEAR(fromTicks(main, "y", topOf(main, "prior")), normalPdf(0, 0, 1), 0.01);
     EXPECT_NEAR(topOf(main, "likelihood"), topOf(main, "posterior"), 0.01);
-    // The shading spans the interval, the null line stands at the null value,
-    // and the axis spans the prior's mass (beyond |x| = 3.7 it is below 1e-3 of its peak).
+    // Shading, null line, and an axis over the prior's mass (beyond |x| = 3.7: < 1e-3 of its peak).
     const auto shade = points(*ByClass(main, "ci").at(0));
     EXPECT_NEAR(fromTicks(main, "x", shade.front().first), plot.ciLower, 0.01);
     EXPECT_NEAR(fromTicks(main, "x", shade.back().first), plot.ciUpper, 0.01);
@@ -213,8 +199,7 @@ TEST(SvgPlot, ALowPriorIsRescaledAndANarrowPosteriorGetsACloseUp) {
     plot.ciUpper = 1.98;
     plot.nullValue = 200;  // far off the axis
     const Svg svg(bsncli::RenderPlotSvg(plot));
-    const XMLElement* main = svg.panel("main");
-    const XMLElement* close = svg.panel("closeup");
+    const XMLElement *main = svg.panel("main"), *close = svg.panel("closeup");
     ASSERT_TRUE(main != nullptr && close != nullptr);
     const auto legend = svg.texts(main, "legend-text");
     EXPECT_TRUE(contains(legend, "prior \u00d710 (rescaled"));
@@ -249,8 +234,7 @@ TEST(SvgPlot, FlatPriorBrokenCurvesLongNamesAndNothing) {
     EXPECT_NEAR(fromTicks(main, "y", flat[0].second), 0.5 * normalPdf(0.1, 0, 1), 0.01);  // half the drawn peak
     EXPECT_TRUE(contains(svg.texts(main, "legend-text"), "prior: flat (height arbitrary)"));
 
-    // Far from zero and narrower than a step of the doubles there: drawn,
-    // with a bounded number of ticks.
+    // Narrower than a step of the doubles at 1e9: drawn, with a bounded number of ticks.
     PlotSet narrow;
     narrow.posterior = {{1e9, 1e9, 1e9 + 1e-7}, {1, 2, 1}};
     const Svg far(bsncli::RenderPlotSvg(narrow));
@@ -266,10 +250,10 @@ TEST(SvgPlot, OneFilePerPlotAndFigureWrittenWhole) {
     EXPECT_EQ(bsncli::PlotFileStem("a/b c"), "a_b_c");
     EXPECT_EQ(bsncli::PlotFileStem(".."), "variable..");
     std::vector<PlotSet> plots(3);
-    plots[0].variable = "x";
-    plots[1].variable = "y - z";
-    plots[2].variable = "x";
-    for (auto& p : plots) p.posterior = {{0, 1}, {1, 2}};
+    for (std::size_t i = 0; i < 3; ++i) {
+        plots[i].variable = i == 1 ? "y - z" : "x";
+        plots[i].posterior = {{0, 1}, {1, 2}};
+    }
     const std::vector<bsncli::SvgFigure> figures = {{"x", "<svg xmlns=\"http://www.w3.org/2000/svg\"/>"}};
     const std::string out = dir.Path("plots/sub");
     const auto written = bsncli::WritePlots(plots, out, figures);
@@ -280,7 +264,7 @@ TEST(SvgPlot, OneFilePerPlotAndFigureWrittenWhole) {
     EXPECT_THROW(bsncli::WritePlots(plots, file), std::exception);
 }
 
-TEST(ResultTables, LogFactorsMissingCellsAndAlignment) {
+TEST(ResultTables, LogFactorsMissingCellsAlignmentAndJson) {
     const auto cells = bsncli::FormatBayesFactors({2.5, 812.25, M, -900.5}, {false, true, true, true}, 5);
     EXPECT_EQ(cells, (std::vector<std::string>{"2.5", "exp(812.25)", ".", "exp(-900.5)", "."}));
     bsncli::TextTable t("Title");
@@ -289,15 +273,9 @@ TEST(ResultTables, LogFactorsMissingCellsAndAlignment) {
     t.AddNote("note");
     std::ostringstream os;
     t.Print(os);
-    EXPECT_EQ(os.str(), "Title\n"
-                        "  Variable     N\n"
-                        "  --------------\n"
-                        "  a            5\n"
-                        "  long name  120\n"
-                        "  note\n\n");
-}
+    EXPECT_EQ(os.str(), "Title\n  Variable     N\n  --------------\n  a            5\n  long name  120\n  note\n\n");
 
-TEST(ResultTables, JsonTextReadsBackAsWritten) {
+    // JSON text reads back as written, short arrays of numbers on one line.
     const auto doc = nlohmann::ordered_json::parse(
         R"({"z": 1, "a": {"s": "q\"uote", "e": [], "o": {}, "n": [1.5, null, -2e-300]},
             "curves": [[0.1, 0.2], [], [null]], "mixed": [{"k": true}, [1, [2]]]})");

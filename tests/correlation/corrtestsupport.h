@@ -1,7 +1,6 @@
 #pragma once
-// Shared pieces of the correlation tests: settings for model type 3, a run
-// of the procedure on in-memory columns, and readers of the reference
-// tables under tests/data.
+// Shared pieces of the correlation tests: settings, a run of the procedure on
+// in-memory columns, the tests/data readers and a rig for one task.
 #include <gtest/gtest.h>
 
 #include <memory>
@@ -11,30 +10,18 @@
 #include "bsn/correlation/bsncorrtask.h"
 #include "bsn/correlation/bsnpearsoncorrelation.h"
 #include "bsn/correlation/bsnpearsoncorrelationoutputstats.h"
-#include "platform/common/mcmv.h"
-#include "platform/progress/mcquerycancel.h"
-#include "platform/records/columnrecorditer.h"
-#include "platform/variables/mcvarlist.h"
 #include "tests/onesample/extremedata.h"
 #include "tests/onesample/normaltestsupport.h"
 
 namespace corrtest {
 
+using namespace normaltest;  // BSNSettings, BC, MCMV, kMiss, moments
 using MCBSN_850::BSNPearsonCorrelation;
 using MCBSN_850::BSNPearsonCorrelationOutputStats;
-using MCBSN_850::BSNSettings;
-using MCCommon_850::MCMV;
-namespace BC = MCBSN_850::BSNConst;
-
-inline const double kMiss = MCMV::Missing();
-
-inline MCXML_850::MCVarList varList(int n) { return normaltest::makeVarList(n); }
 
 inline BSNSettings corrSettings(std::vector<int> vars, BC::AnalysTypes type = BC::Both) {
     BSNSettings s;
-    s.SetModelType(BC::Correlation, true);
-    s.SetCovariates(vars);
-    s.SetAnalysType(type);
+    s.SetModelType(BC::Correlation, true); s.SetCovariates(vars); s.SetAnalysType(type);
     return s;
 }
 
@@ -42,7 +29,7 @@ inline BSNSettings corrSettings(std::vector<int> vars, BC::AnalysTypes type = BC
 struct CorrRun {
     CorrRun(const BSNSettings& settings, std::vector<std::vector<double>> cols, int blockSize = 0)
         : columns(std::move(cols)), iter(columns),
-          procedure(settings, varList(static_cast<int>(columns.size()))) {
+          procedure(settings, makeVarList(static_cast<int>(columns.size()))) {
         procedure.SetBlockSize(blockSize);
         status = procedure.BuildModel(iter);
     }
@@ -58,15 +45,11 @@ struct CorrRun {
     }
     // The warning of a code (which must be there once).
     MCCommon_850::MCStatus warning(int code) const {
-        int found = 0;
-        MCCommon_850::MCStatus w;
-        for (const auto& x : procedure.GetWarningMessages())
-            if (x.GetCode() == code) {
-                w = x;
-                ++found;
-            }
-        EXPECT_EQ(found, 1) << "warning " << code;
-        return w;
+        std::vector<MCCommon_850::MCStatus> found;
+        for (const auto& w : procedure.GetWarningMessages())
+            if (w.GetCode() == code) found.push_back(w);
+        EXPECT_EQ(found.size(), 1u) << "warning " << code;
+        return found.empty() ? MCCommon_850::MCStatus() : found[0];
     }
 
     std::vector<std::vector<double>> columns;
@@ -75,8 +58,7 @@ struct CorrRun {
     MCCommon_850::MCStatus status;
 };
 
-// Rows of a tests/data CSV after its header; an empty field (or NA) is
-// the missing value.
+// Rows of a tests/data CSV after its header; an empty field or NA is missing.
 inline std::vector<extremedata::Row> readCsv(const std::string& name) { return extremedata::read(name); }
 inline double number(const std::string& field) { return field.empty() || field == "NA" ? kMiss : std::stod(field); }
 
@@ -92,13 +74,12 @@ inline void expectAllFinite(const BSNPearsonCorrelationOutputStats& o) {
         for (double x : *all[i]) EXPECT_TRUE(x == MCMV::Missing() || std::isfinite(x)) << "vector " << i;
 }
 
-// Pair inputs and result vectors for running BSNCorrTask directly on
-// chosen (r, n) values.
+// Inputs and result vectors for running BSNCorrTask on chosen (r, n) pairs.
 struct TaskRig {
     TaskRig(std::vector<double> rs, std::vector<double> ns, int plotPoints = 0, int plotted = 0)
         : r(std::move(rs)), n(std::move(ns)) {
         const std::size_t P = r.size();
-        for (std::size_t i = 0; i < P; ++i) pairs.emplace_back(0, 1);
+        pairs.assign(P, {0, 1});
         logSxxSyy.assign(P, 0.0);
         for (auto* v : {&bf, &logBF, &mode, &mean, &variance, &lower, &upper}) v->assign(P, kMiss);
         isLog.assign(P, 0);
@@ -107,24 +88,12 @@ struct TaskRig {
     }
     std::unique_ptr<MCBSN_850::BSNCorrTask> task(const BSNSettings& s, int first, int count, unsigned long seed,
                                                  MCCommon_850::ProgressListener* listener = nullptr) {
-        MCBSN_850::BSNCorrTask::Inputs in;
-        in.pairs = &pairs;
-        in.correlations = &r;
-        in.ns = &n;
-        in.logSxxSyy = &logSxxSyy;
-        in.plotXAxis = &x;
-        MCBSN_850::BSNCorrTask::Outputs out;
-        out.bayesFactors = &bf;
-        out.isLogBayesFactor = &isLog;
-        out.logBayesFactors = &logBF;
-        out.modes = &mode;
-        out.means = &mean;
-        out.variances = &variance;
-        out.lowerBounds = &lower;
-        out.upperBounds = &upper;
-        out.plotLogLikelihood = &ll;
-        out.plotPrior = &prior;
-        out.plotPosterior = &post;
+        const MCBSN_850::BSNCorrTask::Inputs in{
+            .pairs = &pairs, .correlations = &r, .ns = &n, .logSxxSyy = &logSxxSyy, .plotXAxis = &x};
+        const MCBSN_850::BSNCorrTask::Outputs out{
+            .bayesFactors = &bf, .isLogBayesFactor = &isLog, .logBayesFactors = &logBF, .modes = &mode,
+            .means = &mean, .variances = &variance, .lowerBounds = &lower, .upperBounds = &upper,
+            .plotLogLikelihood = &ll, .plotPrior = &prior, .plotPosterior = &post};
         return std::make_unique<MCBSN_850::BSNCorrTask>(first, count, listener, s, cancel, seed, in, out);
     }
 

@@ -1,11 +1,6 @@
-// The fractional Bayes factor of a correlation: the null model's integrals
-// and the whole factor against deterministic nested quadrature
-// (tests/data/correlation_fraction.csv, mpmath), the factor within its
-// Monte-Carlo error, and the logarithm stored where the factor leaves the
-// exponent range. Determinism across task splits is checked with threads.
-#include <cmath>
+// The fractional factor of a correlation against nested mpmath quadrature
+// (tests/data/correlation_fraction.csv), and its logarithm beyond the exponent range.
 #include <numbers>
-#include <vector>
 
 #include "tests/correlation/corrtestsupport.h"
 
@@ -13,49 +8,31 @@ using namespace corrtest;
 
 namespace {
 
-struct FracCase {
-    double n, r, rho0, b, logBF, logI1, logIb, l1, lb;
-};
+struct FracCase { double n, r, rho0, b, logBF, logI1, logIb, l1, lb; };
 
 std::vector<FracCase> fracCases() {
     std::vector<FracCase> cases;
-    for (const auto& row : readCsv("correlation_fraction.csv")) {
-        std::vector<double> v;
-        for (const auto& f : row) v.push_back(std::stod(f));
-        cases.push_back({v[0], v[1], v[2], v[3], v[4], v[5], v[6], v[7], v[8]});
-    }
+    for (const auto& f : readCsv("correlation_fraction.csv"))
+        cases.push_back({number(f[0]), number(f[1]), number(f[2]), number(f[3]), number(f[4]), number(f[5]),
+                         number(f[6]), number(f[7]), number(f[8])});
     return cases;
-}
-
-double mean(const std::vector<double>& v) {
-    double s = 0;
-    for (double x : v) s += x;
-    return s / v.size();
-}
-
-double sd(const std::vector<double>& v) {
-    const double m = mean(v);
-    double s = 0;
-    for (double x : v) s += (x - m) * (x - m);
-    return std::sqrt(s / (v.size() - 1));
 }
 
 BSNSettings fractionSettings() {
     BSNSettings s = corrSettings({0, 1}, BC::BayesFactor);
-    s.SetEstBFType(BC::Fraction);
-    s.SetTolValue(1e-10);
+    s.SetEstBFType(BC::Fraction); s.SetTolValue(1e-10);
     return s;
 }
 
 } // namespace
 
-TEST(CorrelationFraction, WholeFactorThroughTheTask) {
+TEST(CorrelationFraction, WholeFactorThroughTheTaskAndNarrowNullIntegrand) {
     const auto cases = fracCases();
+    ASSERT_EQ(cases.size(), 5u);
     for (const auto& c : cases) {
         SCOPED_TRACE(testing::Message() << "n " << c.n << " r " << c.r);
         BSNSettings s = fractionSettings();
-        s.SetNullValue(c.rho0);
-        s.SetRegrComPar(c.b);
+        s.SetNullValue(c.rho0); s.SetRegrComPar(c.b);
         // The null model's integrals are deterministic.
         TaskRig rig({c.r}, {c.n});
         auto task = rig.task(s, 0, 1, 1);
@@ -71,19 +48,17 @@ TEST(CorrelationFraction, WholeFactorThroughTheTask) {
             EXPECT_NEAR(one.bf[0], std::exp(one.logBF[0]), 1e-14 * one.bf[0]);
             logBF.push_back(one.logBF[0]);
         }
-        // Ten independent estimates: their mean within 4 standard errors,
-        // each within 5 of its own, and that error small.
-        EXPECT_LT(sd(logBF), 0.2);
-        EXPECT_NEAR(mean(logBF), c.logBF, 4 * sd(logBF) / std::sqrt(10.0));
-        for (double x : logBF) EXPECT_NEAR(x, c.logBF, 5 * sd(logBF));
+        // Ten estimates: their mean within 4 standard errors, each within 5 sd, the sd small.
+        const Moments m = moments(logBF);
+        const double sd = std::sqrt(m.var);
+        EXPECT_LT(sd, 0.2);
+        EXPECT_NEAR(m.mean, c.logBF, 4 * sd / std::sqrt(10.0));
+        for (double x : logBF) EXPECT_NEAR(x, c.logBF, 5 * sd);
     }
-}
-
-TEST(CorrelationFraction, NarrowNullIntegrandIsFoundAtLargeN) {
-    // For m = 1e6 the integrand is a spike of width 1e-3 at V = 1; its
+    // For m = 1e6 the null integrand is a spike of width 1e-3 at V = 1; its
     // integral is close to the Laplace value sqrt(4 pi (2 - 2 r rho0) / (m-1)).
     TaskRig rig({0.5}, {1e6});
-    BSNSettings s = fractionSettings();
+    const BSNSettings s = fractionSettings();
     auto task = rig.task(s, 0, 1, 1);
     task->SetNullIntegrand(1e6, 0.5, 0.2);
     const double laplace = std::sqrt(4 * std::numbers::pi * (2 - 2 * 0.5 * 0.2) / (1e6 - 1));
@@ -94,8 +69,7 @@ TEST(CorrelationFraction, LogarithmStoredOutsideTheExponentRange) {
     // Strong correlations over thousands of cases: |log BF| beyond 709.
     TaskRig rig({0.9, 0.1, -0.85}, {3000, 30, 3000});
     BSNSettings s = fractionSettings();
-    s.SetTolValue(1e-6);
-    s.SetMCSamples(500);
+    s.SetTolValue(1e-6); s.SetMCSamples(500);
     auto task = rig.task(s, 0, 3, 5);
     task->RunTask();
     for (int p : {0, 2}) {
@@ -105,9 +79,8 @@ TEST(CorrelationFraction, LogarithmStoredOutsideTheExponentRange) {
     }
     EXPECT_EQ(rig.isLog[1], 0);
     EXPECT_NEAR(rig.bf[1], std::exp(rig.logBF[1]), 1e-12);
-    int count = 0;
-    for (const auto& w : task->GetWarningMessages()) count += w.GetCode() == 410041;
-    EXPECT_EQ(count, 1);
+    const auto& warnings = task->GetWarningMessages();
+    EXPECT_EQ(std::count_if(warnings.begin(), warnings.end(), [](const auto& w) { return w.GetCode() == 410041; }), 1);
 
     // A missing fraction is 0.5.
     BSNSettings half = s;

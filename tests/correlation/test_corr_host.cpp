@@ -1,60 +1,43 @@
 // The host on the correlation example: tables one row per pair, the JSON
-// shapes of the pair getters, plots of the first MaxNPlots pairs with their
-// annotations, the report, --threads and its precedence, and warnings
-// naming pairs.
-#include <gtest/gtest.h>
-
+// shapes of the pair getters, plots with their annotations, the report,
+// --threads and its precedence, and warnings naming pairs.
 #include <filesystem>
 #include <sstream>
-#include <string>
-#include <vector>
 
 #include <nlohmann/json.hpp>
 
-#include "bsn/correlation/bsnpearsoncorrelationoutputstats.h"
-#include "bsn/frame/bsncomponent.h"
 #include "cli/host.h"
 #include "cli/results.h"
-#include "platform/records/columnrecorditer.h"
 #include "tests/cli/svgcheck.h"
 #include "tests/cli/tempfiles.h"
+#include "tests/correlation/corrtestsupport.h"
 
 using json = nlohmann::json;
+using namespace corrtest;
 using bsntest::ByClass;
 using bsntest::ByName;
 using bsntest::Text;
 
 namespace {
 
-struct HostRun {
-    int code = -1;
-    std::string out, err;
-    json doc;
-};
+struct HostRun { int code; std::string out, err; json doc; };
 
-HostRun run(const bsntest::TempDir& dir, const std::string& settings, std::vector<std::string> extra) {
-    const std::string jsonPath = dir.Path("result.json");
-    std::vector<std::string> args = {"run", settings, std::string(BSN_SOURCE_DIR) + "/examples/correlation.csv",
-                                     "--json", jsonPath};
-    args.insert(args.end(), extra.begin(), extra.end());
-    std::vector<const char*> argv{"bsn"};
+HostRun run(const bsntest::TempDir& dir, const std::string& settings, std::vector<std::string> args) {
+    args.insert(args.begin(), {"bsn", "run", settings, std::string(BSN_SOURCE_DIR) + "/examples/correlation.csv",
+                               "--json", dir.Path("result.json")});
+    std::vector<const char*> argv;
     for (const auto& a : args) argv.push_back(a.c_str());
     std::ostringstream out, err;
-    HostRun r;
-    r.code = bsncli::Main(static_cast<int>(argv.size()), argv.data(), out, err);
-    r.out = out.str();
-    r.err = err.str();
-    r.doc = json::parse(bsntest::TempDir::Read(jsonPath));
-    return r;
+    const int code = bsncli::Main(static_cast<int>(argv.size()), argv.data(), out, err);
+    return {code, out.str(), err.str(), json::parse(bsntest::TempDir::Read(dir.Path("result.json")))};
 }
 
 } // namespace
 
 TEST(CorrelationHost, ExampleTablesJsonPlotsAndReport) {
     bsntest::TempDir dir;
-    const std::string example = std::string(BSN_SOURCE_DIR) + "/examples/correlation.json";
-    const HostRun r =
-        run(dir, example, {"--plots", dir.Path("plots"), "--report", dir.Path("r.html"), "--threads", "2"});
+    const HostRun r = run(dir, std::string(BSN_SOURCE_DIR) + "/examples/correlation.json",
+                          {"--plots", dir.Path("plots"), "--report", dir.Path("r.html"), "--threads", "2"});
     ASSERT_EQ(r.code, 0) << r.err;
     const json& res = r.doc["results"];
     // Pairs of record positions (the columns after "person").
@@ -71,15 +54,12 @@ TEST(CorrelationHost, ExampleTablesJsonPlotsAndReport) {
     EXPECT_NEAR(res["GetLogBayesFactors"][0].get<double>(), std::log(res["GetBayesFactor"][0].get<double>()), 1e-9);
 
     // One table row per pair, named by both columns; warnings name pairs.
-    EXPECT_NE(r.out.find("age             income"), std::string::npos) << r.out;
-    EXPECT_NE(r.out.find("sbp              steps"), std::string::npos);
-    EXPECT_NE(r.out.find("log BF"), std::string::npos);
-    EXPECT_NE(r.out.find("[pair age with income]"), std::string::npos);
+    for (const char* text : {"age             income", "sbp              steps", "log BF", "[pair age with income]"})
+        EXPECT_NE(r.out.find(text), std::string::npos) << text << "\n" << r.out;
     EXPECT_TRUE(std::filesystem::exists(dir.Path("plots/age_with_sbp.svg")));
     EXPECT_EQ(std::distance(std::filesystem::directory_iterator(dir.Path("plots")), {}), 4);
 
-    // The report holds the table and the four pictures, each titled after
-    // its pair and stating its factor.
+    // The report: the table and four pictures titled after their pairs, stating the factor.
     tinyxml2::XMLDocument html;
     ASSERT_EQ(html.Parse(bsntest::TempDir::Read(dir.Path("r.html")).c_str()), tinyxml2::XML_SUCCESS);
     const auto figures = ByName(html.RootElement(), "figure");
@@ -92,8 +72,7 @@ TEST(CorrelationHost, ExampleTablesJsonPlotsAndReport) {
             if (Text(caption).rfind("Pearson correlations", 0) == 0) rows = ByName(t, "tr").size();
     EXPECT_EQ(rows, 11u);  // a header and ten pairs
 
-    // The same numbers on one thread; MaxThreadNum in the file wins over
-    // --threads.
+    // The same numbers on one thread; MaxThreadNum in the file wins over --threads.
     const std::string oneThread = dir.Write("one.json", R"({"ModelType": 3, "Covariates": ["age", "income", "bmi",
         "sbp", "steps"], "FrequencyWeightVar": "count", "AnalysType": "Both", "MaxNPlots": 4, "MaxThreadNum": 1})");
     const HostRun single = run(dir, oneThread, {"--threads", "8"});
@@ -104,28 +83,18 @@ TEST(CorrelationHost, ExampleTablesJsonPlotsAndReport) {
 }
 
 TEST(CorrelationHost, PlotSetsCarryTheirAnnotations) {
-    // A fractional factor against rho = 0.2 at a 90% level: the adapter's
-    // plot sets hold the curves on the shared axis and every annotation.
-    MCBSN_850::BSNSettings s;
-    s.SetModelType(MCBSN_850::BSNConst::Correlation, true);
-    s.SetCovariates({0, 1, 2});
-    s.SetAnalysType(MCBSN_850::BSNConst::Both);
-    s.SetEstBFType(MCBSN_850::BSNConst::Fraction);
-    s.SetNullValue(0.2);
-    s.SetMCSamples(500);
-    s.SetMaxNPlots(2);
-    s.SetCILevel(90);
-    const std::vector<std::vector<double>> cols = {{30, 41, 52, 38, 60, 45}, {40, 55, 61, 47, 70, 52},
-                                                   {22, 27, 24, 30, 26, 25}};
-    MCCommon_850::ColumnRecordIter iter(cols);
+    // A fractional factor against rho = 0.2 at 90%: curves on the shared axis, every annotation.
+    BSNSettings s = corrSettings({0, 1, 2});
+    s.SetEstBFType(BC::Fraction); s.SetNullValue(0.2); s.SetMCSamples(500);
+    s.SetMaxNPlots(2); s.SetCILevel(90);
+    CorrRun corr(s, {{30, 41, 52, 38, 60, 45}, {40, 55, 61, 47, 70, 52}, {22, 27, 24, 30, 26, 25}});
+    ASSERT_TRUE(corr.status.IsOK());
     bsncli::DataInfo data;
     data.columns = {"age", "income", "bmi"};
-    MCBSN_850::BSNComponent component(s, data.varList);
-    ASSERT_TRUE(component.BuildModel(iter).IsOK());
     bsncli::ResultView view;
-    ASSERT_TRUE(bsncli::DescribeResult(*component.GetOutputStats(), data, view));
+    ASSERT_TRUE(bsncli::DescribeResult(corr.out(), data, view));
     ASSERT_EQ(view.plots.size(), 2u);
-    const auto* o = dynamic_cast<const MCBSN_850::BSNPearsonCorrelationOutputStats*>(component.GetOutputStats());
+    const auto* o = &corr.out();
     for (std::size_t i = 0; i < 2; ++i) {
         const bsncli::PlotSet& p = view.plots[i];
         EXPECT_EQ(p.variable, i == 0 ? "age with income" : "age with bmi");

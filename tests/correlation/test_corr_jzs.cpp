@@ -1,41 +1,24 @@
-// The JZS Bayes factor of a correlation against high-precision integrals
-// of its formula in g over [eps, 1e6] (tests/data/correlation_jzs.csv,
-// mpmath), and the warnings for the mass the range leaves out.
-#include <cmath>
-#include <vector>
+// The JZS factor of a correlation against mpmath integrals over g in [eps, 1e6]
+// (tests/data/correlation_jzs.csv), and the warnings for the mass left out.
 
 #include "tests/correlation/corrtestsupport.h"
 
 using namespace corrtest;
-using MCBSN_850::BSNCorrTask;
-
-namespace {
-
-struct JzsCase {
-    double n, r, logBF, share;
-};
-
-std::vector<JzsCase> jzsCases() {
-    std::vector<JzsCase> cases;
-    for (const auto& f : readCsv("correlation_jzs.csv"))
-        cases.push_back({std::stod(f[0]), std::stod(f[1]), std::stod(f[2]), std::stod(f[3])});
-    return cases;
-}
-
-} // namespace
 
 TEST(CorrelationJZS, FactorsMatchHighPrecisionIntegrals) {
-    const auto cases = jzsCases();
-    ASSERT_EQ(cases.size(), 20u);
+    struct JzsCase { double n, r, logBF, share; };
+    std::vector<JzsCase> cases;
     std::vector<double> rs, ns;
-    for (const auto& c : cases) {
-        rs.push_back(c.r);
-        ns.push_back(c.n);
+    for (const auto& f : readCsv("correlation_jzs.csv")) {
+        cases.push_back({std::stod(f[0]), std::stod(f[1]), std::stod(f[2]), std::stod(f[3])});
+        rs.push_back(cases.back().r);
+        ns.push_back(cases.back().n);
     }
+    ASSERT_EQ(cases.size(), 20u);
     TaskRig rig(rs, ns);
     BSNSettings s = corrSettings({0, 1}, BC::BayesFactor);
     s.SetTolValue(1e-10);
-    auto task = rig.task(s, 0, static_cast<int>(cases.size()), 1);
+    auto task = rig.task(s, 0, 20, 1);
     EXPECT_TRUE(task->RunTask());
     EXPECT_TRUE(task->GetStatus().IsOK());
     EXPECT_TRUE(task->GetIndIntegralFailed().empty());
@@ -44,31 +27,26 @@ TEST(CorrelationJZS, FactorsMatchHighPrecisionIntegrals) {
         // log BF within 1e-6: the factor within 1e-6 relative.
         EXPECT_NEAR(rig.logBF[i], cases[i].logBF, 1e-6);
         EXPECT_EQ(rig.isLog[i], 0);
-        if (cases[i].logBF > -700) {
-            EXPECT_NEAR(rig.bf[i] / std::exp(cases[i].logBF), 1.0, 1e-6);
-        }
+        if (cases[i].logBF > -700) { EXPECT_NEAR(rig.bf[i] / std::exp(cases[i].logBF), 1.0, 1e-6); }
         EXPECT_TRUE(std::isfinite(rig.bf[i]));
     }
-    // The first pair leaving out more than 1e-6 is the first one of all;
-    // more than 1% first at n = 1e5.
+    // More than 1e-6 left out first at pair 0; more than 1% first at n = 1e5.
     EXPECT_EQ(task->GetTruncationNotice().pair, 0);
     EXPECT_NEAR(task->GetTruncationNotice().share / cases[0].share, 1.0, 1e-6);
     EXPECT_EQ(task->GetTruncationSevere().pair, 12);
     EXPECT_NEAR(task->GetTruncationSevere().share / cases[12].share, 1.0, 1e-6);
 
-    // The default tolerance of the analysis is looser but still close.
-    TaskRig loose(rs, ns);
-    // The task keeps a reference to its settings: they must outlive it.
+    // The default tolerance of the analysis is looser but still close (the
+    // task refers to its settings, which must outlive it).
     const BSNSettings looseSettings = corrSettings({0, 1}, BC::BayesFactor);
-    auto defaults = loose.task(looseSettings, 0, static_cast<int>(cases.size()), 1);
-    defaults->RunTask();
+    TaskRig loose(rs, ns);
+    loose.task(looseSettings, 0, 20, 1)->RunTask();
     for (std::size_t i = 0; i < cases.size(); ++i)
         EXPECT_NEAR(loose.logBF[i], cases[i].logBF, 1e-3) << i;
 }
 
 TEST(CorrelationJZS, TruncationWarningsThroughTheProcedure) {
-    // Five records weighted 2e7 each carry v0 and v1 (n = 1e8 for that
-    // pair); five of weight 1 carry v0 and v2 (n = 5); v1 and v2 never meet.
+    // v0 with v1: five records weighted 2e7 (n = 1e8); v0 with v2: n = 5; v1 and v2 never meet.
     const std::vector<double> v0 = {1, 2, 3, 4, 5, 1, 2, 3, 4, 5};
     const std::vector<double> v1 = {2, 1, 4, 3, 6, kMiss, kMiss, kMiss, kMiss, kMiss};
     const std::vector<double> v2 = {kMiss, kMiss, kMiss, kMiss, kMiss, 2, 4, 1, 3, 5};
@@ -82,12 +60,10 @@ TEST(CorrelationJZS, TruncationWarningsThroughTheProcedure) {
     const auto notice = run.warning(BSNPearsonCorrelation::kTruncatedIntegralCode);
     EXPECT_EQ(notice.GetDiscreteDatum(0), 0);
     const auto severe = run.warning(BSNPearsonCorrelation::kSeverelyTruncatedIntegralCode);
-    EXPECT_EQ(severe.GetDiscreteDatum(0), 1);
-    EXPECT_EQ(severe.GetDiscreteDatum(1), 0);
-    EXPECT_EQ(severe.GetDiscreteDatum(2), 1);
+    EXPECT_EQ((std::vector<int>{severe.GetDiscreteDatum(0), severe.GetDiscreteDatum(1), severe.GetDiscreteDatum(2)}),
+              (std::vector<int>{1, 0, 1}));
     EXPECT_GT(severe.GetScaleDatum(0), 1.0);
     expectAllFinite(o);
-    for (std::size_t p = 0; p < 2; ++p) EXPECT_FALSE(MCMV::IsMissing(o.GetLogBayesFactors()[p])) << p;
-    EXPECT_TRUE(MCMV::IsMissing(o.GetLogBayesFactors()[2]));
+    for (int p : {0, 1, 2}) EXPECT_EQ(MCMV::IsMissing(o.GetLogBayesFactors()[p]), p == 2) << p;
     EXPECT_EQ(run.warning(410006).GetDiscreteDatum(0), 2);
 }

@@ -1,9 +1,6 @@
-// The pair statistics of the correlation procedure: pair order, r and N
-// under pairwise and listwise deletion against R's cor() on the data
-// expanded by rounded weights (0, 0.49, 0.5, 1.5, 2.4 and missing), the
-// pass's warnings and errors, and the progress it reports.
-#include <cmath>
-#include <vector>
+// The correlation pass: pair order, r and N against R's cor() on the data
+// expanded by rounded weights, its warnings, errors and progress.
+#include <tuple>
 
 #include "tests/correlation/corrtestsupport.h"
 
@@ -11,17 +8,7 @@ using namespace corrtest;
 
 namespace {
 
-// Columns x1..x6 and w of tests/data/correlation_data.csv.
-std::vector<std::vector<double>> referenceColumns() {
-    const auto rows = readCsv("correlation_data.csv");
-    std::vector<std::vector<double>> cols(7);
-    for (std::size_t i = 0; i < rows.size(); ++i)
-        for (std::size_t c = 0; c < 7; ++c) cols[c].push_back(number(c < rows[i].size() ? rows[i][c] : ""));
-    return cols;
-}
-
-class Reports : public MCCommon_850::ProgressListener {
-public:
+struct Reports : MCCommon_850::ProgressListener {
     void Notify(const MCCommon_850::ProgressReport& r) override {
         records.push_back(r.DiscreteMeasure("records"));
         pairs.push_back(r.DiscreteMeasure("pairs"));
@@ -32,15 +19,16 @@ public:
 
 } // namespace
 
-TEST(CorrelationStats, PairwiseAndListwiseMatchR) {
-    const auto cols = referenceColumns();
+TEST(CorrelationStats, PairwiseAndListwiseMatchRInTheListsPairOrder) {
+    std::vector<std::vector<double>> cols(7);  // x1..x6 and w of tests/data/correlation_data.csv
+    for (const auto& row : readCsv("correlation_data.csv"))
+        for (std::size_t c = 0; c < 7; ++c) cols[c].push_back(number(c < row.size() ? row[c] : ""));
     ASSERT_EQ(cols[0].size(), 60u);
     const auto expected = readCsv("correlation_r.csv");
     for (BC::MissScope scope : {BC::MissingAnalysis, BC::MissingListwise}) {
         SCOPED_TRACE(scope);
         BSNSettings s = corrSettings({0, 1, 2, 3, 4, 5}, BC::BayesFactor);
-        s.SetFrequencyWeightVar(6);
-        s.SetMissScope(scope);
+        s.SetFrequencyWeightVar(6); s.SetMissScope(scope);
         for (int block : {0, 1, 4}) {
             CorrRun run(s, cols, block);
             ASSERT_TRUE(run.status.IsOK()) << run.status.GetCode();
@@ -59,9 +47,7 @@ TEST(CorrelationStats, PairwiseAndListwiseMatchR) {
             EXPECT_EQ(checked, 15);
         }
     }
-}
-
-TEST(CorrelationStats, PairOrderFollowsTheVariableList) {
+    // The pair order follows the variable list.
     const std::vector<double> a = {1, 2, 3, 4, 5, 6}, b = {2, 1, 4, 3, 6, 5}, c = {5, 3, 4, 1, 2, 0};
     CorrRun run(corrSettings({2, 0, 1}, BC::BayesFactor), {a, b, c});
     CorrRun ab(corrSettings({0, 2}, BC::BayesFactor), {a, b, c});
@@ -78,16 +64,14 @@ TEST(CorrelationStats, WarningsOncePerAnalysisNamingTheFirstPair) {
     CorrRun run(corrSettings({0, 1, 2, 3, 4}), {x, constant, twice, lone, none});
     ASSERT_TRUE(run.status.IsOK()) << run.status.GetCode();
     EXPECT_TRUE(run.procedure.IsModelBuilt());
-    // Pairs: 0 (x,c) 1 (x,twice) 2 (x,lone) 3 (x,none) 4 (c,twice) 5 (c,lone)
-    //        6 (c,none) 7 (twice,lone) 8 (twice,none) 9 (lone,none)
+    // Pairs: 0 (x,c) 1 (x,twice) 2 (x,lone) 3 (x,none) 4 (c,twice) 5 (c,lone) 6 (c,none) ...
     const std::vector<int> codes = run.codes();
     EXPECT_EQ(std::vector<int>(codes.begin(), codes.begin() + 3), (std::vector<int>{410006, 410008, 410009}));
-    EXPECT_EQ(run.warning(410006).GetDiscreteDatum(0), 2);
-    EXPECT_EQ(run.warning(410008).GetDiscreteDatum(0), 0);
+    // The pair without cases, the constant pair, the perfect pair with its two variables.
     const auto perfect = run.warning(410009);
-    EXPECT_EQ(perfect.GetDiscreteDatum(0), 1);
-    EXPECT_EQ(perfect.GetDiscreteDatum(1), 0);
-    EXPECT_EQ(perfect.GetDiscreteDatum(2), 2);
+    EXPECT_EQ((std::vector<int>{run.warning(410006).GetDiscreteDatum(0), run.warning(410008).GetDiscreteDatum(0),
+                                perfect.GetDiscreteDatum(0), perfect.GetDiscreteDatum(1), perfect.GetDiscreteDatum(2)}),
+              (std::vector<int>{2, 0, 1, 0, 2}));
     const auto& o = run.out();
     EXPECT_EQ(o.GetPearsonCorrelation()[1], 1.0);
     EXPECT_EQ(o.GetVarPairN(), (std::vector<double>{5, 5, 1, 0, 5, 1, 0, 1, 0, 0}));
@@ -95,32 +79,27 @@ TEST(CorrelationStats, WarningsOncePerAnalysisNamingTheFirstPair) {
     // No correlation, factor or posterior for any pair but none valid here.
     for (std::size_t p = 0; p < 10; ++p) {
         EXPECT_TRUE(MCMV::IsMissing(o.GetPearsonCorrelation()[p]) || p == 1) << p;
-        EXPECT_TRUE(MCMV::IsMissing(o.GetBayesFactor()[p])) << p;
-        EXPECT_TRUE(MCMV::IsMissing(o.GetPosteriorMean()[p])) << p;
+        EXPECT_TRUE(MCMV::IsMissing(o.GetBayesFactor()[p]) && MCMV::IsMissing(o.GetPosteriorMean()[p])) << p;
     }
     expectAllFinite(o);
 }
 
 TEST(CorrelationStats, ErrorsAndCancellationInThePass) {
     const std::vector<double> x = {1, 2, 3}, y = {3, 1, 2};
-    CorrRun one(corrSettings({0}), {x, y});
-    EXPECT_EQ(one.status.GetCode(), 410004);
-    EXPECT_TRUE(one.status.IsError());
-    EXPECT_FALSE(one.procedure.IsModelBuilt());
-    EXPECT_EQ(one.procedure.GetOutputStats(), nullptr);
-
-    CorrRun empty(corrSettings({0, 1}), {{}, {}});
-    EXPECT_EQ(empty.status.GetCode(), 410003);
-    EXPECT_EQ(empty.procedure.GetOutputStats(), nullptr);
-
     MCCommon_850::MCAtomicCancel cancel;
     cancel.Cancel();
-    BSNSettings s = corrSettings({0, 1});
-    s.SetCancelPointer(&cancel);
-    CorrRun cancelled(s, {x, y});
-    EXPECT_EQ(cancelled.status.GetCode(), 1);
-    EXPECT_TRUE(cancelled.status.IsError());
-    EXPECT_EQ(cancelled.procedure.GetOutputStats(), nullptr);
+    BSNSettings cancelled = corrSettings({0, 1});
+    cancelled.SetCancelPointer(&cancel);
+    // One variable, no records, cancelled before the pass.
+    using Cols = std::vector<std::vector<double>>;
+    for (const auto& [s, cols, code] : std::vector<std::tuple<BSNSettings, Cols, int>>{
+             {corrSettings({0}), {x, y}, 410004}, {corrSettings({0, 1}), {{}, {}}, 410003}, {cancelled, {x, y}, 1}}) {
+        CorrRun run(s, cols);
+        EXPECT_EQ(run.status.GetCode(), code);
+        EXPECT_TRUE(run.status.IsError()) << code;
+        EXPECT_FALSE(run.procedure.IsModelBuilt()) << code;
+        EXPECT_EQ(run.procedure.GetOutputStats(), nullptr) << code;
+    }
 }
 
 TEST(CorrelationStats, ProgressCountsRecordsThenPairs) {
@@ -129,8 +108,7 @@ TEST(CorrelationStats, ProgressCountsRecordsThenPairs) {
         for (int v = 0; v < 4; ++v) cols[v].push_back(std::sin(i * (v + 1.3)));
     Reports reports;
     BSNSettings s = corrSettings({0, 1, 2, 3});
-    s.SetProgressFrequency(5);
-    s.SetProgressListener(&reports);
+    s.SetProgressFrequency(5); s.SetProgressListener(&reports);
     CorrRun run(s, cols);
     ASSERT_TRUE(run.status.IsOK());
     // The pass: every 5 records and once at its end, pairs not yet known.

@@ -1,7 +1,6 @@
 #pragma once
-// What the procedure tests share: a component built and run over in-memory
-// columns (one per variable), a listener that records the progress counts,
-// and a cancel query that trips after a number of polls.
+// What the procedure tests share: a component run over in-memory columns (one
+// per variable), a progress recorder and a cancel query tripping late.
 #include <algorithm>
 #include <functional>
 #include <stdexcept>
@@ -42,8 +41,7 @@ struct ComponentRun {
     const Out* As() const {
         return dynamic_cast<const Out*>(component.GetOutputStats());
     }
-    // The result object, which must be there and of class Out.
-    template <class Out>
+    template <class Out>  // the result object, which must be there
     const Out& Result() const {
         const Out* o = As<Out>();
         if (o == nullptr) throw std::runtime_error("no result object");
@@ -54,10 +52,7 @@ struct ComponentRun {
         for (const auto& w : component.GetWarningMessages()) codes.push_back(w.GetCode());
         return codes;
     }
-    int Count(int code) const {
-        const auto c = WarningCodes();
-        return static_cast<int>(std::count(c.begin(), c.end(), code));
-    }
+    int Count(int code) const { return static_cast<int>(std::ranges::count(WarningCodes(), code)); }
     const MCCommon_850::MCStatus* Warning(int code) const {
         for (const auto& w : component.GetWarningMessages())
             if (w.GetCode() == code) return &w;

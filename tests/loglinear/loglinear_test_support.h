@@ -20,6 +20,22 @@ namespace loglinear_test {
 using Matrix = std::vector<std::vector<double>>;
 inline const double kMiss = MCCommon_850::MCMV::Missing();
 
+// The fields of `text` split at `sep` (any whitespace when it is ' ').
+inline std::vector<std::string> Split(const std::string& text, char sep) {
+    std::vector<std::string> out;
+    std::istringstream in(text);
+    for (std::string v; sep == ' ' ? static_cast<bool>(in >> v) : static_cast<bool>(std::getline(in, v, sep));)
+        out.push_back(v);
+    return out;
+}
+
+// Space-separated numbers, NA missing.
+inline std::vector<double> ParseNums(const std::string& text) {
+    std::vector<double> out;
+    for (const auto& v : Split(text, ' ')) out.push_back(v == "NA" ? kMiss : std::strtod(v.c_str(), nullptr));
+    return out;
+}
+
 // One row of a reference CSV, by column name.
 struct Row {
     std::map<std::string, std::string> cells;
@@ -28,29 +44,12 @@ struct Row {
         if (it == cells.end()) throw std::runtime_error("no column " + key);
         return it->second;
     }
-    double Num(const std::string& key) const {
-        const std::string& s = Text(key);
-        return s == "NA" ? kMiss : std::strtod(s.c_str(), nullptr);
-    }
-    std::vector<double> Nums(const std::string& key) const {
-        std::vector<double> out;
-        std::istringstream in(Text(key));
-        std::string v;
-        while (in >> v) out.push_back(v == "NA" ? kMiss : std::strtod(v.c_str(), nullptr));
-        return out;
-    }
+    double Num(const std::string& key) const { return ParseNums(Text(key)).at(0); }
+    std::vector<double> Nums(const std::string& key) const { return ParseNums(Text(key)); }
     // "a b|c d": rows separated by '|', cells by spaces.
     Matrix Table(const std::string& key = "table") const {
         Matrix m;
-        std::istringstream rows(Text(key));
-        std::string row;
-        while (std::getline(rows, row, '|')) {
-            std::istringstream cells(row);
-            std::vector<double> r;
-            double v;
-            while (cells >> v) r.push_back(v);
-            m.push_back(r);
-        }
+        for (const auto& row : Split(Text(key), '|')) m.push_back(ParseNums(row));
         return m;
     }
 };
@@ -58,25 +57,15 @@ struct Row {
 inline std::vector<Row> ReadReference(const std::string& name) {
     const std::string path = std::string(BSN_SOURCE_DIR) + "/tests/data/loglinear/" + name;
     std::ifstream in(path);
-    if (!in) throw std::runtime_error("cannot open " + path);
     std::string line;
-    std::getline(in, line);
-    std::vector<std::string> header;
-    {
-        std::istringstream h(line);
-        std::string k;
-        while (std::getline(h, k, ',')) header.push_back(k);
-    }
+    if (!std::getline(in, line)) throw std::runtime_error("cannot open " + path);
+    const std::vector<std::string> header = Split(line, ',');
     std::vector<Row> rows;
     while (std::getline(in, line)) {
         if (line.empty()) continue;
-        std::istringstream l(line);
-        std::string v;
+        const std::vector<std::string> fields = Split(line, ',');
         Row r;
-        for (const auto& k : header) {
-            std::getline(l, v, ',');
-            r.cells[k] = v;
-        }
+        for (std::size_t k = 0; k < header.size(); ++k) r.cells[header[k]] = k < fields.size() ? fields[k] : "";
         rows.push_back(r);
     }
     return rows;
@@ -108,9 +97,7 @@ inline std::vector<std::vector<double>> CellRecords(const Matrix& table) {
 
 // Marks records given as columns (row code, column code, weight, ...)
 // rather than as a table of counts.
-struct Columns {
-    std::vector<std::vector<double>> values;
-};
+struct Columns { std::vector<std::vector<double>> values; };
 
 struct Build : bsntest::ComponentRun {
     Build(const MCBSN_850::BSNSettings& settings, Columns cols) : ComponentRun(settings, std::move(cols.values)) {}

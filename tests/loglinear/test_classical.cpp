@@ -23,8 +23,7 @@ TEST(LogLinearTests, AgreeWithR) {
         ASSERT_NE(r, nullptr);
         const auto& chi = r->GetChiSquareResult();
         const auto& lr = r->GetLikeRatioResult();
-        // A statistic near 0 is a sum of terms near 1 that cancel: its
-        // accuracy is absolute.
+        // A statistic near 0 is a sum of terms near 1 that cancel: its accuracy is absolute.
         EXPECT_TRUE(Near(chi.GetWald(), row.Num("x2"), 1e-12, 1e-13));
         EXPECT_TRUE(Near(lr.GetWald(), row.Num("g2"), 1e-12, 1e-13));
         EXPECT_EQ(chi.GetDF(), row.Num("df"));
@@ -34,9 +33,7 @@ TEST(LogLinearTests, AgreeWithR) {
         EXPECT_TRUE(Near(lr.GetSig(), row.Num("sig_g2"), 1e-10));
         const auto& cont = r->GetContCorrectResult();
         if (MCCommon_850::MCMV::IsMissing(row.Num("cont"))) {
-            EXPECT_EQ(cont.GetWald(), kMiss);
-            EXPECT_EQ(r->GetFisher1SidedSig(), kMiss);
-            EXPECT_EQ(r->GetFisher2SidedSig(), kMiss);
+            for (double v : {cont.GetWald(), r->GetFisher1SidedSig(), r->GetFisher2SidedSig()}) EXPECT_EQ(v, kMiss);
             continue;
         }
         EXPECT_TRUE(Near(cont.GetWald(), row.Num("cont"), 1e-12, 1e-14));
@@ -50,10 +47,7 @@ TEST(LogLinearTests, AgreeWithR) {
 TEST(LogLinearTests, EmptyRowsAndColumnsLeaveTheTests) {
     // A second empty row (or an empty column) takes one category out of
     // the degrees of freedom; two empty rows two.
-    struct Case {
-        Matrix table;
-        double df;
-    };
+    struct Case { Matrix table; double df; };
     for (const Case& c : {Case{{{10, 4, 6}, {0, 0, 0}, {3, 9, 8}}, 2}, Case{{{10, 0, 6}, {5, 0, 9}, {3, 0, 8}}, 2},
                           Case{{{10, 4, 6}, {0, 0, 0}, {0, 0, 0}, {3, 9, 8}}, 2},
                           Case{{{10, 4, 6, 1}, {2, 7, 3, 5}, {3, 9, 8, 4}}, 6}}) {
@@ -64,23 +58,18 @@ TEST(LogLinearTests, EmptyRowsAndColumnsLeaveTheTests) {
     }
 }
 
-TEST(LogLinearTests, FisherIsExactlyOneWhenTheTableIsTheMostLikely) {
+TEST(LogLinearTests, FisherIsOneForTheMostLikelyTableAndRoundsCountsHalfUp) {
     for (const Matrix& table : {Matrix{{5, 5}, {5, 5}}, Matrix{{3, 3}, {3, 3}}, Matrix{{4, 5}, {5, 6}},
                                 Matrix{{0, 1}, {1, 0}}}) {
         Build b(Settings(2, 2), table);
         ASSERT_NE(b.Result(), nullptr);
         EXPECT_EQ(b.Result()->GetFisher2SidedSig(), 1.0) << table[0][0] << " " << table[0][1];
     }
-    // The smaller of two cells with the larger one at its row and column
-    // limit: min(R, C) <= x.
+    // The smaller of two cells with the larger one at its row and column limit: min(R, C) <= x.
     EXPECT_EQ(BSNLogLinear::FisherExact(0, 0, 3, 4, false)[1], 1.0);
-}
-
-TEST(LogLinearTests, FisherRoundsFractionalCountsHalfUp) {
     // 2.5 rounds to 3 (not to the even 2), 3.49 to 3, 7.5 to 8.
     const auto rounded = BSNLogLinear::FisherExact(3, 8, 8, 3, false);
-    const auto fractional = BSNLogLinear::FisherExact(3.49, 7.5, 8.2, 2.5, false);
-    EXPECT_EQ(fractional, rounded);
+    EXPECT_EQ(BSNLogLinear::FisherExact(3.49, 7.5, 8.2, 2.5, false), rounded);
     EXPECT_NE(BSNLogLinear::FisherExact(3, 8, 8, 2, false), rounded);
 }
 
@@ -91,11 +80,12 @@ TEST(LogLinearTests, FisherAtTotalsOfABillion) {
     const auto rows = ReadReference("fisher_large.csv");
     ASSERT_GE(rows.size(), 4u);
     for (const Row& row : rows) {
+        SCOPED_TRACE(row.Text("table"));
         const Matrix t = row.Table();
         const bool positive = t[0][0] * t[1][1] - t[0][1] * t[1][0] > 0;
         const auto sig = BSNLogLinear::FisherExact(t[0][0], t[0][1], t[1][0], t[1][1], positive);
-        EXPECT_TRUE(Near(sig[0], row.Num("fisher1"), 1e-10, 1e-300)) << row.Text("table");
-        EXPECT_TRUE(Near(sig[1], row.Num("fisher2"), 1e-10, 1e-300)) << row.Text("table");
+        EXPECT_TRUE(Near(sig[0], row.Num("fisher1"), 1e-10, 1e-300));
+        EXPECT_TRUE(Near(sig[1], row.Num("fisher2"), 1e-10, 1e-300));
     }
 }
 

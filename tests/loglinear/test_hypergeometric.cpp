@@ -1,6 +1,5 @@
-// The hypergeometric probability and distribution functions: against
-// Boost.Math where its 32-bit arguments reach, and against 60-digit values
-// for totals of a billion and a trillion.
+// The hypergeometric probability and distribution functions: against Boost.Math where its 32-bit
+// arguments reach, and against 60-digit values for totals of a billion and a trillion.
 #include <cmath>
 
 #include <boost/math/distributions/hypergeometric.hpp>
@@ -19,17 +18,16 @@ TEST(Hypergeometric, AgreesWithBoostOverWholeSupports) {
     for (int n : {1, 2, 7, 30, 113})
         for (int r = 0; r <= n; r += std::max(1, n / 6))
             for (int c = 0; c <= n; c += std::max(1, n / 5)) {
+                SCOPED_TRACE(::testing::Message() << "n=" << n << " r=" << r << " c=" << c);
                 boost::math::hypergeometric_distribution<double> d(r, c, n);
                 const int lo = std::max(0, c - (n - r)), hi = std::min(r, c);
                 double total = 0.0;
                 for (int x = lo; x <= hi; ++x) {
                     const double pdf = MCDistFun::PdfHyper(x, n, r, c);
+                    const auto ux = static_cast<unsigned>(x);
                     total += pdf;
-                    ASSERT_TRUE(Near(pdf, boost::math::pdf(d, static_cast<unsigned>(x)), 1e-12))
-                        << "x=" << x << " n=" << n << " r=" << r << " c=" << c;
-                    ASSERT_TRUE(Near(MCDistFun::CDFHyper(x, n, r, c), boost::math::cdf(d, static_cast<unsigned>(x)),
-                                     1e-12, 1e-15))
-                        << "x=" << x << " n=" << n << " r=" << r << " c=" << c;
+                    ASSERT_TRUE(Near(pdf, boost::math::pdf(d, ux), 1e-12)) << "x=" << x;
+                    ASSERT_TRUE(Near(MCDistFun::CDFHyper(x, n, r, c), boost::math::cdf(d, ux), 1e-12, 1e-15)) << x;
                 }
                 EXPECT_NEAR(total, 1.0, 1e-13);
                 EXPECT_EQ(MCDistFun::PdfHyper(lo - 1, n, r, c), 0.0);
@@ -54,9 +52,7 @@ TEST(Hypergeometric, ExactAtTotalsOfBillions) {
 
 TEST(Hypergeometric, RefusesWhatIsNotAnUrn) {
     const double miss = kMiss;
-    struct Case {
-        double x, n, r, c;
-    };
+    struct Case { double x, n, r, c; };
     for (const Case& k : {Case{1, 10.5, 3, 4}, Case{1, 10, 11, 4}, Case{1, 10, 3, 11}, Case{1, -1, 0, 0},
                           Case{1, 10, -1, 4}, Case{1, miss, 3, 4}, Case{1, 10, 3.2, 4}, Case{miss, 10, 3, 4},
                           Case{1, 1e17, 3, 4}}) {

@@ -1,15 +1,13 @@
 // The log-linear analysis from the command line: the example's tables and
 // JSON, and the pictures written with --plots.
-#include <algorithm>
 #include <cmath>
 #include <filesystem>
-#include <sstream>
 #include <string>
 
 #include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
 
-#include "cli/host.h"
+#include "tests/cli/hostrun.h"
 #include "tests/cli/svgcheck.h"
 #include "tests/cli/tempfiles.h"
 #include "tests/loglinear/loglinear_test_support.h"
@@ -18,46 +16,41 @@ namespace {
 
 using json = nlohmann::json;
 using namespace loglinear_test;
-
-struct Outcome {
-    int code;
-    std::string out, err;
-};
-
-Outcome run(const std::vector<std::string>& args) {
-    std::vector<const char*> argv{"bsn"};
-    for (const auto& a : args) argv.push_back(a.c_str());
-    std::ostringstream out, err;
-    const int code = bsncli::Main(static_cast<int>(argv.size()), argv.data(), out, err);
-    return {code, out.str(), err.str()};
-}
+using bsntest::RunCommandLine;
 
 std::string example(const std::string& name) { return std::string(BSN_SOURCE_DIR) + "/examples/" + name; }
 
-// Every text of an SVG inside the picture, and some text there.
-void expectTextInside(const std::string& svg) {
+// The picture whose file name starts with `prefix` (of the only one when empty) after checking that
+// every text of it is inside, and that there is some text.
+std::string picture(const std::string& dir, const std::string& prefix, int expectedFiles) {
+    std::string svg;
+    int files = 0;
+    for (const auto& entry : std::filesystem::directory_iterator(dir)) {
+        ++files;
+        if (entry.path().filename().string().rfind(prefix, 0) == 0) svg = bsntest::TempDir::Read(entry.path().string());
+    }
+    EXPECT_EQ(files, expectedFiles);
     tinyxml2::XMLDocument doc;
-    ASSERT_EQ(doc.Parse(svg.c_str()), tinyxml2::XML_SUCCESS);
-    ASSERT_NE(doc.FirstChildElement("svg"), nullptr);
-    EXPECT_GT(bsntest::ExpectTextsInside(doc.FirstChildElement("svg")), 0);
+    EXPECT_EQ(doc.Parse(svg.c_str()), tinyxml2::XML_SUCCESS) << prefix;
+    const auto* root = doc.FirstChildElement("svg");
+    EXPECT_GT(root ? bsntest::ExpectTextsInside(root) : 0, 0) << "no text in picture " << prefix;
+    return svg;
 }
 
-TEST(LogLinearHost, ExampleTablesAndJson) {
-    const Outcome r = run({"run", example("loglinear.json"), example("loglinear.csv"), "--json", "-"});
+TEST(LogLinearHost, ExampleTablesJsonAndPictures) {
+    const auto r = RunCommandLine({"run", example("loglinear.json"), example("loglinear.csv"), "--json", "-"});
     ASSERT_EQ(r.code, 0) << r.err;
     const json doc = json::parse(r.out);
     const json& res = doc["results"];
     EXPECT_EQ(res["GetModelType"], 6);
     EXPECT_EQ(res["GetOutputType"], 8);
-    // Labels sort: treatment new, placebo, standard; outcome better, same,
-    // worse. The record with no treatment and the one with no weight are
-    // left out.
+    // Labels sort: treatment new, placebo, standard; outcome better, same, worse. The record with
+    // no treatment and the one with no weight are left out.
     EXPECT_EQ(res["GetContingencyMatrix"]["GetAllCounts"], json::parse("[[34,9,5],[13,24,20],[25,23,11]]"));
     EXPECT_EQ(res["GetContingencyMatrix"]["GetTotalWeight"], 164);
     const json& chi = res["GetChiSquareResult"];
     std::vector<std::string> keys;
-    for (auto it = chi.begin(); it != chi.end(); ++it) keys.push_back(it.key());
-    std::sort(keys.begin(), keys.end());
+    for (auto it = chi.begin(); it != chi.end(); ++it) keys.push_back(it.key());  // in sorted order
     EXPECT_EQ(keys, (std::vector<std::string>{"df", "df2", "sig", "statistic", "type"}));
     EXPECT_TRUE(chi["df2"].is_null());
     EXPECT_EQ(chi["type"], 2);
@@ -82,30 +75,17 @@ TEST(LogLinearHost, ExampleTablesAndJson) {
     EXPECT_EQ(res["GetPlotArguments4Posterior"].size(), 4u);  // MaxNPlots in the example
     EXPECT_EQ(doc["warnings"].size(), 0u);
 
-    const Outcome tables = run({"run", example("loglinear.json"), example("loglinear.csv")});
-    ASSERT_EQ(tables.code, 0);
+    // The tables, and the pictures: the table (its counts written in the cells) and four pairs.
+    bsntest::TempDir dir;
+    const auto tables =
+        RunCommandLine({"run", example("loglinear.json"), example("loglinear.csv"), "--plots", dir.Path("plots")});
+    ASSERT_EQ(tables.code, 0) << tables.err;
     for (const char* title : {"Contingency table: treatment (rows) by outcome (columns)", "Expected counts",
                               "Tests of independence", "Bayes factor for independence",
                               "Posterior of the log odds ratio of pairs of categories", "new / placebo",
                               "2 record(s) with a missing factor value or weight were left out"})
         EXPECT_NE(tables.out.find(title), std::string::npos) << title;
-}
-
-TEST(LogLinearHost, PlotsWriteTheTableAndTheDensities) {
-    bsntest::TempDir dir;
-    const Outcome r = run({"run", example("loglinear.json"), example("loglinear.csv"), "--plots", dir.Path("plots"), "-q"});
-    ASSERT_EQ(r.code, 0) << r.err;
-    int svgs = 0;
-    std::string heatMap;
-    for (const auto& entry : std::filesystem::directory_iterator(dir.Path("plots"))) {
-        ++svgs;
-        if (entry.path().filename().string().rfind("table", 0) == 0)
-            heatMap = bsntest::TempDir::Read(entry.path().string());
-    }
-    EXPECT_EQ(svgs, 5);  // the table and four pairs
-    ASSERT_FALSE(heatMap.empty());
-    expectTextInside(heatMap);
-    EXPECT_NE(heatMap.find(">34<"), std::string::npos);  // counts written in the cells
+    EXPECT_NE(picture(dir.Path("plots"), "table", 5).find(">34<"), std::string::npos);
 }
 
 TEST(LogLinearHost, LargeTableHeatMapStaysInside) {
@@ -121,13 +101,9 @@ TEST(LogLinearHost, LargeTableHeatMapStaysInside) {
     const std::string settings = dir.Write(
         "big.json", R"({"ModelType": "LogLinear", "Factors": ["a_row_factor_with_a_long_name", "col"],
                         "AnalysType": "Bayes Factor"})");
-    const Outcome r = run({"run", settings, data, "--plots", dir.Path("plots"), "-q"});
+    const auto r = RunCommandLine({"run", settings, data, "--plots", dir.Path("plots"), "-q"});
     ASSERT_EQ(r.code, 0) << r.err;
-    std::string heatMap;
-    for (const auto& entry : std::filesystem::directory_iterator(dir.Path("plots")))
-        heatMap = bsntest::TempDir::Read(entry.path().string());
-    expectTextInside(heatMap);
-    EXPECT_EQ(heatMap.find(">1<"), std::string::npos);
+    EXPECT_EQ(picture(dir.Path("plots"), "", 1).find(">1<"), std::string::npos);
 }
 
 } // namespace

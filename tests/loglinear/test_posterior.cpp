@@ -1,7 +1,6 @@
-// Posterior log odds ratios of pairs of categories: the moments (digamma
-// and trigamma sums), the mode and limits against the exact distribution
-// (mpmath inversion of the characteristic function) and against a long
-// Monte Carlo (R), the order and codes of the pairs, and their curves.
+// Posterior log odds ratios of pairs of categories: the moments (digamma and trigamma sums), the
+// mode and limits against the exact distribution (mpmath inversion of the characteristic function)
+// and against a long Monte Carlo (R), the order and codes of the pairs, and their curves.
 #include <cmath>
 
 #include <boost/math/special_functions/digamma.hpp>
@@ -85,7 +84,7 @@ TEST(LogLinearPosterior, PairsOverNonEmptyRowsAndColumns) {
     EXPECT_EQ(two.Result()->GetPosteriorPairs(), (std::vector<std::array<int, 4>>{{0, 1, 0, 2}}));
 }
 
-TEST(LogLinearPosterior, ImproperPairsStayMissing) {
+TEST(LogLinearPosterior, ImproperAndTooManyPairsStayMissing) {
     // Shape 0 on an empty cell leaves Gamma(0): no proper posterior for the
     // pairs that use it (420041 once); the other pairs are estimated.
     const Matrix table{{5, 0, 7}, {3, 9, 1}};
@@ -107,17 +106,15 @@ TEST(LogLinearPosterior, ImproperPairsStayMissing) {
     EXPECT_EQ(wrong.status.GetCode(), 410060);
     EXPECT_EQ(wrong.status.GetDiscreteDatum(0), 6);
     EXPECT_EQ(wrong.status.GetDiscreteDatum(1), 3);
-}
 
-TEST(LogLinearPosterior, TooManyPairsAreRefusedNotAttempted) {
-    // 81 × 81 non-empty categories: 3240² = 10.5 million pairs.
-    BSNSettings s = Settings(81, 81);
-    s.SetAnalysType(BSNConst::Posterior);
-    Build b(s, Matrix(81, std::vector<double>(81, 1.0)));
-    ASSERT_NE(b.Result(), nullptr);
-    EXPECT_EQ(b.WarningCodes(), std::vector<int>{420042});
-    EXPECT_TRUE(b.Result()->GetPosteriorEstimations().empty());
-    EXPECT_NE(b.Result()->GetChiSquareResult().GetWald(), kMiss);
+    // 81 × 81 non-empty categories: 3240² = 10.5 million pairs, refused rather than attempted.
+    BSNSettings big = Settings(81, 81);
+    big.SetAnalysType(BSNConst::Posterior);
+    Build many(big, Matrix(81, std::vector<double>(81, 1.0)));
+    ASSERT_NE(many.Result(), nullptr);
+    EXPECT_EQ(many.WarningCodes(), std::vector<int>{420042});
+    EXPECT_TRUE(many.Result()->GetPosteriorEstimations().empty());
+    EXPECT_NE(many.Result()->GetChiSquareResult().GetWald(), kMiss);
 }
 
 TEST(LogLinearPosterior, DensityCurvesOfTheFirstPairs) {

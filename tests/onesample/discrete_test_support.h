@@ -1,7 +1,6 @@
 #pragma once
-// Helpers shared by the one-sample binomial and Poisson tests: the shared
-// runner and listeners under short names, and Simpson's rule as an
-// independent integrator.
+// Helpers shared by the one-sample binomial and Poisson tests, Simpson's rule
+// as an independent integrator among them.
 #include <cmath>
 #include <functional>
 #include <vector>
@@ -14,8 +13,6 @@ namespace discrete_test {
 
 inline const double kMiss = MCCommon_850::MCMV::Missing();
 
-using CountingListener = bsntest::RecordCounts;
-using bsntest::CancelAfter;
 using Build = bsntest::ComponentRun;
 
 // One-sample settings for the test variables `vars` (factors of a binomial,

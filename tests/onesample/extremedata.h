@@ -16,15 +16,12 @@ using Row = std::vector<std::string>;
 inline std::vector<Row> read(const std::string& name) {
     std::vector<Row> rows;
     std::ifstream in(std::string(BSN_SOURCE_DIR) + "/tests/data/" + name);
-    std::string line;
-    if (!std::getline(in, line)) return rows;
+    std::string line, field;
+    std::getline(in, line);  // the header
     while (std::getline(in, line)) {
-        if (line.empty()) continue;
-        Row row;
         std::istringstream s(line);
-        std::string field;
-        while (std::getline(s, field, ',')) row.push_back(field);
-        rows.push_back(row);
+        if (!line.empty()) rows.emplace_back();
+        while (std::getline(s, field, ',')) rows.back().push_back(field);
     }
     return rows;
 }

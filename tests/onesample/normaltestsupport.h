@@ -1,10 +1,7 @@
 #pragma once
-// Shared pieces of the normal-mean procedure tests: running a component on
-// in-memory columns, a cancelling progress listener, and reference
-// computations (weighted moments straight from the data, the posterior of a
-// mean by brute-force integration of likelihood x prior on a grid). A test
-// file takes everything with `using namespace normaltest;`, the short names
-// BC (settings enumerations) and bm (Boost.Math) included.
+// Shared pieces of the normal-mean procedure tests: the component runner, a
+// cancelling progress listener, and reference computations (weighted moments
+// from the data, a mean's posterior by brute-force integration on a grid).
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -27,11 +24,22 @@ inline const double kMiss = MCMV::Missing();
 
 inline MCXML_850::MCVarList makeVarList(int n) { return bsntest::ScaleVars(static_cast<std::size_t>(n)); }
 
+// One-sample normal settings for the test variables `vars`.
+inline BSNSettings oneSampleNormal(std::vector<int> vars, BC::AnalysTypes type, BC::DistTypes meanPrior = BC::Diffuse,
+                                   BC::DistTypes varPrior = BC::Jeffreys2) {
+    BSNSettings s;
+    s.SetModelType(BC::OneSample, false);
+    s.SetTestDistType(BC::Normal);
+    s.SetAnalysType(type);
+    s.SetCovariates(std::move(vars));
+    s.SetMeanDistType(meanPrior);
+    s.SetPriorDistType(varPrior);
+    return s;
+}
+
 // The shared runner under the names these tests use.
 struct NormalRun : bsntest::ComponentRun {
     using ComponentRun::ComponentRun;
-    template <class Out>
-    const Out* out() const { return As<Out>(); }
     template <class Out>
     const Out& result() const { return Result<Out>(); }
     std::vector<int> warningCodes() const { return WarningCodes(); }
@@ -40,18 +48,13 @@ struct NormalRun : bsntest::ComponentRun {
 
 // Counts progress reports and, at report number `cancelAt` (1-based),
 // raises the cancel flag.
-class CancellingListener : public MCCommon_850::ProgressListener {
-public:
-    CancellingListener(MCCommon_850::MCAtomicCancel& cancel, int cancelAt) : m_cancel(cancel), m_cancelAt(cancelAt) {}
-    void Notify(const MCCommon_850::ProgressReport& report) override {
-        records.push_back(report.DiscreteMeasure("records"));
-        if (static_cast<int>(records.size()) == m_cancelAt) m_cancel.Cancel();
+struct CancellingListener : bsntest::RecordCounts {
+    CancellingListener(MCCommon_850::MCAtomicCancel& cancel, int cancelAt) {
+        onNotify = [this, &cancel, cancelAt] {
+            if (static_cast<int>(records.size()) == cancelAt) cancel.Cancel();
+        };
     }
-    std::vector<int> records;
-
-private:
-    MCCommon_850::MCAtomicCancel& m_cancel;
-    int m_cancelAt;
+    std::vector<int>& records = counts;
 };
 
 // Weighted mean and sample variance (divisor sum of weights - 1), two-pass.
@@ -59,19 +62,15 @@ struct Moments {
     double n = 0, mean = 0, var = 0;
 };
 inline Moments moments(const std::vector<double>& x, const std::vector<double>& w = {}) {
+    const auto wt = [&](std::size_t i) { return w.empty() ? 1.0 : w[i]; };
     Moments m;
-    double sum = 0;
+    double sum = 0, ss = 0;
     for (std::size_t i = 0; i < x.size(); ++i) {
-        const double wi = w.empty() ? 1.0 : w[i];
-        m.n += wi;
-        sum += wi * x[i];
+        m.n += wt(i);
+        sum += wt(i) * x[i];
     }
     m.mean = sum / m.n;
-    double ss = 0;
-    for (std::size_t i = 0; i < x.size(); ++i) {
-        const double wi = w.empty() ? 1.0 : w[i];
-        ss += wi * (x[i] - m.mean) * (x[i] - m.mean);
-    }
+    for (std::size_t i = 0; i < x.size(); ++i) ss += wt(i) * (x[i] - m.mean) * (x[i] - m.mean);
     m.var = ss / (m.n - 1.0);
     return m;
 }

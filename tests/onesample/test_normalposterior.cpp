@@ -8,6 +8,7 @@
 #include <cmath>
 #include <functional>
 #include <numbers>
+#include <numeric>
 #include <vector>
 
 #include "bsn/onesample/bsn1samplenormoutputstats.h"
@@ -23,22 +24,21 @@ const Moments kM = moments(kData);
 const double kZ = bm::quantile(bm::normal(), 1 - 0.005 / 2);  // plot ranges: tail mass 0.005
 
 BSNSettings posteriorSettings(BC::DistTypes meanPrior, BC::DistTypes varPrior, int nVars = 1) {
-    BSNSettings s;
-    s.SetModelType(BC::OneSample, false);
-    s.SetTestDistType(BC::Normal);
-    s.SetAnalysType(BC::Posterior);
-    std::vector<int> vars;
-    for (int i = 0; i < nVars; ++i) vars.push_back(i);
-    s.SetCovariates(vars);
-    s.SetMeanDistType(meanPrior);
-    s.SetPriorDistType(varPrior);
-    return s;
+    std::vector<int> vars(nVars);
+    std::iota(vars.begin(), vars.end(), 0);
+    return oneSampleNormal(vars, BC::Posterior, meanPrior, varPrior);
 }
 
 double tQuantile(double p, double df) { return bm::quantile(bm::students_t(df), p); }
 double zQuantile(double p) { return bm::quantile(bm::normal(), p); }
 double normalLogPdf(double x, double m, double v) {
     return -0.5 * std::log(2 * std::numbers::pi * v) - (x - m) * (x - m) / (2 * v);
+}
+// The sum of squares of the data about mu, from the raw values.
+double sumSq(double mu) {
+    double q = 0;
+    for (double x : kData) q += (x - mu) * (x - mu);
+    return q;
 }
 
 // A t posterior (centre, scale^2, df): the values the routine must report.
@@ -88,9 +88,10 @@ void expectGrid(const std::vector<double>& args, double centre, double half, int
 TEST(NormalPosterior, UnknownVarianceFamiliesMatchConjugateFormsAndIntegration) {
     const double mu0 = 4.0, kappa0 = 2.0, n = kM.n, m = kM.mean, ss = (n - 1) * kM.var;
     const double kn = kappa0 + n, mun = (kappa0 * mu0 + n * m) / kn, shift = kappa0 * n / kn * std::pow(m - mu0, 2);
+    const double kn1 = 1 + n, mun1 = (mu0 + n * m) / kn1, shift1 = n / kn1 * std::pow(m - mu0, 2);  // kappa 1
     struct Case {
         BC::DistTypes meanPrior, varPrior;
-        double p1, p2;
+        double p1, p2, kappa;  // kappa missing: not set
         TPost post;
         std::function<double(double, double)> logPrior;  // of (mu, sigma^2), up to a constant
         double priorVar;                                 // of the drawn prior curve; 0: flat
@@ -99,28 +100,32 @@ TEST(NormalPosterior, UnknownVarianceFamiliesMatchConjugateFormsAndIntegration) 
     const std::vector<Case> cases = {
         // mu, sigma^2 ~ N-Inv-chi^2(mu0, sigma^2/kappa0; nu0 3, s0^2 0.8): the
         // prior curve uses the prior mode of sigma^2, nu0 s0^2/(nu0 + 2).
-        {BC::Normal, BC::InverseChiSquare, 3.0, 0.8, {mun, (3 * 0.8 + ss + shift) / (3 + n) / kn, 3 + n},
+        {BC::Normal, BC::InverseChiSquare, 3.0, 0.8, kappa0, {mun, (3 * 0.8 + ss + shift) / (3 + n) / kn, 3 + n},
          [=](double mu, double s2) { return -2.5 * std::log(s2) - 1.2 / s2 + normalPart(mu, s2); }, 3 * 0.8 / 5 / kappa0},
         // tau = 1/sigma^2 ~ Gamma(2.5, rate 1.5): the curve uses the mode of
         // the precision, (a - 1)/b.
-        {BC::Normal, BC::Gamma, 2.5, 1.5, {mun, (1.5 + ss / 2 + shift / 2) / (2.5 + n / 2) / kn, 5 + n},
+        {BC::Normal, BC::Gamma, 2.5, 1.5, kappa0, {mun, (1.5 + ss / 2 + shift / 2) / (2.5 + n / 2) / kn, 5 + n},
          [=](double mu, double s2) { return -3.5 * std::log(s2) - 1.5 / s2 + normalPart(mu, s2); }, 1.5 / 1.5 / kappa0},
         // chi-square with 1.5 df on tau: Gamma(0.75, 0.5), shape below 1, so
         // the curve uses the mean precision a/b.
-        {BC::Normal, BC::ChiSquare, 1.5, kMiss, {mun, (0.5 + ss / 2 + shift / 2) / (0.75 + n / 2) / kn, 1.5 + n},
+        {BC::Normal, BC::ChiSquare, 1.5, kMiss, kappa0, {mun, (0.5 + ss / 2 + shift / 2) / (0.75 + n / 2) / kn, 1.5 + n},
          [=](double mu, double s2) { return -1.75 * std::log(s2) - 0.5 / s2 + normalPart(mu, s2); }, 0.5 / 0.75 / kappa0},
+        // sigma^2 ~ inverse gamma (1.7, 2.9) with no kappa (prior sample size
+        // 1): the curve uses the prior mode of sigma^2, b/(a + 1).
+        {BC::Normal, BC::InverseGamma, 1.7, 2.9, kMiss, {mun1, (2.9 + ss / 2 + shift1 / 2) / (1.7 + n / 2) / kn1, 3.4 + n},
+         [=](double mu, double s2) { return -2.7 * std::log(s2) - 2.9 / s2 + normalLogPdf(mu, mu0, s2); }, 2.9 / 2.7},
         // Flat mean prior with sigma^2 to the power 0, -1, -2: df N-3, N-1, N+1.
-        {BC::Diffuse, BC::Diffuse, kMiss, kMiss, {m, ss / (n * (n - 3)), n - 3}, [](double, double) { return 0.0; }, 0},
-        {BC::Diffuse, BC::Jeffreys2, kMiss, kMiss, {m, ss / (n * (n - 1)), n - 1},
+        {BC::Diffuse, BC::Diffuse, kMiss, kMiss, kMiss, {m, ss / (n * (n - 3)), n - 3}, [](double, double) { return 0.0; }, 0},
+        {BC::Diffuse, BC::Jeffreys2, kMiss, kMiss, kMiss, {m, ss / (n * (n - 1)), n - 1},
          [](double, double s2) { return -std::log(s2); }, 0},
-        {BC::Diffuse, BC::Jeffreys4, kMiss, kMiss, {m, ss / (n * (n + 1)), n + 1},
+        {BC::Diffuse, BC::Jeffreys4, kMiss, kMiss, kMiss, {m, ss / (n * (n + 1)), n + 1},
          [](double, double s2) { return -2 * std::log(s2); }, 0},
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(testing::Message() << c.meanPrior << " " << c.varPrior);
         BSNSettings s = posteriorSettings(c.meanPrior, c.varPrior);
         s.SetMeanDistParam1(mu0);
-        s.SetKappaValue(kappa0);
+        if (!MCMV::IsMissing(c.kappa)) s.SetKappaValue(c.kappa);
         s.SetPriorDistParam1(c.p1);
         s.SetPriorDistParam2(c.p2);
         NormalRun r(s, {kData});
@@ -135,11 +140,7 @@ TEST(NormalPosterior, UnknownVarianceFamiliesMatchConjugateFormsAndIntegration) 
         // squares)^(-N/2) up to a constant, taken from the raw data.
         const auto& la = o.GetPlotArguments4Likelihoods()[0];
         expectGrid(la, m, kZ * std::sqrt(kM.var));
-        const auto profile = [&](double mu) {
-            double q = 0;
-            for (double x : kData) q += (x - mu) * (x - mu);
-            return -n / 2 * std::log(q);
-        };
+        const auto profile = [&](double mu) { return -n / 2 * std::log(sumSq(mu)); };
         for (std::size_t k = 1; k < la.size(); k += 11)
             EXPECT_NEAR(o.GetPlotLikelihoods()[0][k] - o.GetPlotLikelihoods()[0][0], profile(la[k]) - profile(la[0]), 1e-9);
         // Prior: a normal curve on its own range, or the flat two-point line
@@ -161,26 +162,6 @@ TEST(NormalPosterior, UnknownVarianceFamiliesMatchConjugateFormsAndIntegration) 
             EXPECT_NEAR(o.GetPlotPosterior()[0][k],
                         bm::pdf(bm::students_t(c.post.df), (qa[k] - c.post.centre) / sc) / sc, 1e-10);
     }
-
-    // An inverse-gamma (a, b) is the scaled inverse chi-square (2a, b/a);
-    // without a kappa the prior sample size is 1.
-    BSNSettings ig = posteriorSettings(BC::Normal, BC::InverseGamma);
-    ig.SetMeanDistParam1(4.5);
-    ig.SetPriorDistParam1(1.7);
-    ig.SetPriorDistParam2(2.9);
-    BSNSettings ic = ig;
-    ic.SetPriorDistType(BC::InverseChiSquare);
-    ic.SetPriorDistParam1(3.4);
-    ic.SetPriorDistParam2(2.9 / 1.7);
-    ic.SetKappaValue(1.0);
-    NormalRun r1(ig, {kData}), r2(ic, {kData});
-    const auto& o1 = r1.result<BSN1SampleNormOutputStats>();
-    const auto& o2 = r2.result<BSN1SampleNormOutputStats>();
-    EXPECT_FALSE(MCMV::IsMissing(o1.GetPostMeanValues()[0]));
-    EXPECT_EQ(o1.GetPostMeanValues(), o2.GetPostMeanValues());
-    EXPECT_EQ(o1.GetVarianceValues(), o2.GetVarianceValues());
-    EXPECT_EQ(o1.GetUpperLimits(), o2.GetUpperLimits());
-    EXPECT_EQ(o1.GetPlotPrior(), o2.GetPlotPrior());
 }
 
 TEST(NormalPosterior, KnownVarianceMatchesIntegration) {
@@ -199,9 +180,7 @@ TEST(NormalPosterior, KnownVarianceMatchesIntegration) {
     std::vector<double> mu(20001), dens(20001);
     for (std::size_t k = 0; k < mu.size(); ++k) {
         mu[k] = 2.0 + 5.0 * k / (mu.size() - 1);
-        double q = 0;
-        for (double x : kData) q += (x - mu[k]) * (x - mu[k]);
-        dens[k] = std::exp(-q / (2 * sigma2) + normalLogPdf(mu[k], mu0, tau02) + 20.0);
+        dens[k] = std::exp(-sumSq(mu[k]) / (2 * sigma2) + normalLogPdf(mu[k], mu0, tau02) + 20.0);
     }
     expectMatchesGrid(o, 0, summarise(mu, dens, 0.05));
     const double taun2 = 1 / (1 / tau02 + kM.n / sigma2);
@@ -213,11 +192,7 @@ TEST(NormalPosterior, KnownVarianceMatchesIntegration) {
     // on M -/+ z sigma; prior and posterior normal curves on their ranges.
     const auto& la = o.GetPlotArguments4Likelihoods()[0];
     expectGrid(la, kM.mean, kZ * std::sqrt(sigma2));
-    for (std::size_t k = 0; k < la.size(); ++k) {
-        double q = 0;
-        for (double x : kData) q += (x - la[k]) * (x - la[k]);
-        EXPECT_NEAR(o.GetPlotLikelihoods()[0][k], -q / (2 * sigma2), 1e-9);
-    }
+    for (std::size_t k = 0; k < la.size(); ++k) EXPECT_NEAR(o.GetPlotLikelihoods()[0][k], -sumSq(la[k]) / (2 * sigma2), 1e-9);
     expectGrid(o.GetPlotArguments4Prior()[0], mu0, kZ * std::sqrt(tau02));
     const auto& qa = o.GetPlotArguments4Posterior()[0];
     expectGrid(qa, mun, kZ * std::sqrt(taun2));
@@ -230,32 +205,25 @@ TEST(NormalPosterior, KnownVarianceMatchesIntegration) {
 }
 
 TEST(NormalPosterior, KnownVarianceFlatPriorAndUnsupportedPriors) {
-    const double sigma2 = 0.9;
-    {
-        // Flat prior, 90%: the 5% and 95% normal quantiles.
-        BSNSettings s = posteriorSettings(BC::Diffuse, BC::Diffuse);
-        s.SetDataVarVals({sigma2});
-        s.SetCILevel(90.0);
-        NormalRun r(s, {kData});
-        const auto& o = r.result<BSN1SampleNormOutputStats>();
-        EXPECT_TRUE(r.component.GetWarningMessages().IsEmpty());
-        EXPECT_NEAR(o.GetPostMeanValues()[0], kM.mean, 1e-12);
-        EXPECT_NEAR(o.GetVarianceValues()[0], sigma2 / kM.n, 1e-14);
-        EXPECT_NEAR(o.GetLowerLimits()[0], kM.mean - zQuantile(0.95) * std::sqrt(sigma2 / kM.n), 1e-9);
-        EXPECT_EQ(o.GetPlotPrior()[0], (std::vector<double>{1.0, 1.0}));
-    }
-    {
-        // A mean prior that is neither Normal nor Diffuse, with a known
-        // variance: flat-prior result plus warning 410017 (no datum); no
-        // level set means 95%.
-        BSNSettings s = posteriorSettings(BC::Gamma, BC::Diffuse, 2);
+    // Known variance with a flat mean prior (at 90%: the 5% and 95% normal
+    // quantiles), or one neither Normal nor Diffuse: the flat-prior result
+    // and warning 410017 (no datum) per variable; no level set means 95%.
+    const double sigma2 = 0.9, se = std::sqrt(sigma2 / kM.n);
+    for (const auto& [meanPrior, level, z, warned] :
+         {std::tuple{BC::Diffuse, 90.0, zQuantile(0.95), 0}, std::tuple{BC::Gamma, kMiss, zQuantile(0.975), 2}}) {
+        SCOPED_TRACE(meanPrior);
+        BSNSettings s = posteriorSettings(meanPrior, BC::Diffuse, 2);
         s.SetDataVarVals({sigma2, sigma2});
-        s.SetCILevel(kMiss);
+        s.SetCILevel(level);
         NormalRun r(s, {kData, kData});
         const auto& o = r.result<BSN1SampleNormOutputStats>();
-        EXPECT_EQ(r.count(410017), 2);
-        EXPECT_EQ(r.component.GetWarningMessages().Get(0).GetDiscreteDatum(0), -1);
-        EXPECT_NEAR(o.GetUpperLimits()[1], kM.mean + zQuantile(0.975) * std::sqrt(sigma2 / kM.n), 1e-9);
+        EXPECT_EQ(r.warningCodes(), std::vector<int>(warned, 410017));
+        for (const auto& w : r.component.GetWarningMessages()) EXPECT_EQ(w.GetDiscreteDatum(0), -1);
+        EXPECT_NEAR(o.GetPostMeanValues()[1], kM.mean, 1e-12);
+        EXPECT_NEAR(o.GetVarianceValues()[1], sigma2 / kM.n, 1e-14);
+        EXPECT_NEAR(o.GetLowerLimits()[0], kM.mean - z * se, 1e-9);
+        EXPECT_NEAR(o.GetUpperLimits()[1], kM.mean + z * se, 1e-9);
+        EXPECT_EQ(o.GetPlotPrior()[0], (std::vector<double>{1.0, 1.0}));
     }
     // Unknown variance, unsupported combinations: Diffuse (t with N - 3 df)
     // and one 410017 each.

@@ -16,8 +16,7 @@ TEST(MCContStats, WeightedMomentsEdgeCasesAndIgnoredInput) {
     const std::vector<double> x = {3.5, -1.25, 7.0, 2.0, 0.5, 11.0};
     const std::vector<int> w = {1, 3, 2, 5, 1, 4};
     MCContStats s;
-    EXPECT_TRUE(MCMV::IsMissing(s.GetMean()));
-    EXPECT_TRUE(MCMV::IsMissing(s.GetMinimum()));
+    EXPECT_TRUE(MCMV::IsMissing(s.GetMean()) && MCMV::IsMissing(s.GetMinimum()));
     double n = 0.0, sum = 0.0, ss = 0.0;
     for (std::size_t i = 0; i < x.size(); ++i) {
         s.Update(x[i], w[i]);
@@ -49,9 +48,8 @@ TEST(MCContStats, WeightedMomentsEdgeCasesAndIgnoredInput) {
     EXPECT_NEAR(big.GetVariance(), 2e9 / (4.0 * (2e9 - 1.0)), 1e-15);
 }
 
-// Data far from zero: 1e9 + k/8 (exact doubles) in an order that makes a
-// running mean at 1e9 round on every case. The mean's distance from a value
-// near it and the variance come out exact.
+// 1e9 + k/8 (exact doubles), ordered so that a running mean would round on
+// every case: the mean's distance from a nearby value and the variance are exact.
 TEST(MCContStats, DataFarFromZeroKeepAllDigits) {
     MCContStats s;
     const double k[] = {3, -5, 1, 7, -2, 0, 6, -4};  // mean 0.75, sum of squared deviations 135.5
@@ -95,8 +93,7 @@ TEST(MCMeansXProdData, CrossProductsMatchTwoPass) {
 }
 
 TEST(MCMeansXProdData, PairsFarFromZeroAndFarApart) {
-    // First member 1e9 + k/8, second member k/8 - 2^-30 (the same deviations):
-    // the differences are all 1e9 + 2^-30, which is not a double.
+    // Pairs (1e9 + k/8, k/8 - 2^-30): every difference is 1e9 + 2^-30, not a double.
     const double k[] = {3, -5, 1, 7, -2, 0, 6, -4};
     const double tiny = std::ldexp(1.0, -30);
     MCMeansXProdData acc(2);

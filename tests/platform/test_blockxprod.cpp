@@ -1,7 +1,5 @@
-// The block accumulators of means and cross-products (complete cases, and
-// every pair over its own present cases, by matrix products or by hole
-// updates) against two-pass sums over the data, for many block sizes,
-// weights (zero among them), missing values and data far from zero.
+// The block accumulators (complete cases; each pair over its present cases)
+// against two-pass sums, over block sizes, zero weights, holes and offsets.
 #include <gtest/gtest.h>
 
 #include <cmath>
@@ -21,8 +19,7 @@ namespace {
 
 constexpr int kVars = 6;
 constexpr int kCases = 301;
-// 1e9 + k 2^-20 is a double for every k used, so the reference can take the
-// offset out exactly.
+// 1e9 + k 2^-20 is a double for every k used: the offset comes out exactly.
 constexpr double kFar = 1e9;
 
 struct Data {
@@ -30,9 +27,7 @@ struct Data {
     std::vector<double> weights;
 };
 
-// Variable 2 sits at 1e9 with a spread of about 1e-4, variable 4 is
-// constant, the others ordinary; about 12% of values are missing when
-// `holes` is set.
+// Variable 2 at 1e9 with a spread of 1e-4, variable 4 constant; 12% holes if asked.
 Data makeData(bool holes, unsigned seed) {
     std::mt19937 gen(seed);
     std::normal_distribution<double> z(0.0, 1.0);
@@ -61,9 +56,7 @@ struct Ref {
     long double n = 0, meanJ = 0, meanK = 0, ssJ = 0, ssK = 0, sxy = 0;
 };
 
-// Two passes in long double over the cases where j and k (and, for
-// `listwise`, every variable) are present; variable 2's offset is removed
-// first, which is exact.
+// Two passes in long double over the cases with j and k (listwise: all) present.
 Ref reference(const Data& d, int j, int k, bool listwise) {
     auto value = [&](int c, int v) -> long double {
         const double x = d.rows[c][v];

@@ -1,18 +1,36 @@
+// The CSV reader: numbers, quoting, errors, nominal codes, rereading, and
+// the column cache that holds a file in memory within a budget.
 #include <gtest/gtest.h>
 
-#include <cmath>
+#include <charconv>
+#include <cstring>
+#include <random>
 #include <string>
 #include <vector>
+
+#include <fmt/format.h>
 
 #include "platform/common/mcmv.h"
 #include "platform/records/csvrecorditer.h"
 #include "tests/cli/tempfiles.h"
 
+using MCCommon_850::ColumnCache;
+using MCCommon_850::CsvParseNumber;
 using MCCommon_850::CsvRecordIter;
 using MCCommon_850::CsvScanResult;
 using MCCommon_850::MCMV;
 
 namespace {
+
+double reference(const std::string& text) {
+    double v = 0.0;
+    const char* first = text.data();
+    if (*first == '+') ++first;
+    std::from_chars(first, text.data() + text.size(), v);
+    return v;
+}
+
+bool sameBits(double a, double b) { return std::memcmp(&a, &b, sizeof a) == 0; }
 
 using Rows = std::vector<std::vector<double>>;
 constexpr double M = MCMV::Missing();
@@ -33,20 +51,20 @@ Rows readPass(CsvRecordIter& iter) {
     return rows;
 }
 
-// Quoted commas, doubled quotes, a quoted line break, CRLF, a lone CR, a
-// blank line, surrounding spaces, a missing marker and a last row without a
-// line end, behind a byte-order mark.
-const std::string kTricky = "\xEF\xBB\xBF"
-                            "id,name,x\r\n"
-                            "1,\"a, b\",2.5\r\n"
-                            "2,\"say \"\"hi\"\"\",-3e2\r\n"
-                            "3,\"two\r\nlines\",  7 \r"
-                            "\r\n"
-                            "4 , plain ,.\n"
-                            "5,\"\"\"\",1e-3";
+// Quoted commas, doubled quotes, quoted line break, CRLF, lone CR, blank line,
+// spaces, a missing marker, no final line end, behind a byte-order mark.
+const std::string kTricky = "\xEF\xBB\xBF" "id,name,x\r\n1,\"a, b\",2.5\r\n2,\"say \"\"hi\"\"\",-3e2\r\n"
+                            "3,\"two\r\nlines\",  7 \r\r\n4 , plain ,.\n5,\"\"\"\",1e-3";
 
 const Rows kTrickyRows = {{1, 1, 2.5}, {2, 3, -300}, {3, 4, 7}, {4, 2, M}, {5, 0, 0.001}};
 const std::vector<std::string> kTrickyLabels = {"\"", "a, b", "plain", "say \"hi\"", "two\r\nlines"};
+
+struct CountingCancel : MCCommon_850::MCQueryCancel {
+    explicit CountingCancel(int at) : at(at) {}
+    bool IsCancel() const override { return ++calls >= at; }
+    int at;
+    mutable int calls = 0;
+};
 
 } // namespace
 
@@ -83,8 +101,7 @@ TEST(CsvRecordIter, QuotingLineEndsAndByteOrderMark) {
 
 TEST(CsvRecordIter, MissingMarkers) {
     bsntest::TempDir dir;
-    // Empty, NA, ".", a quoted empty field; quoted and signed numbers; an
-    // unused column of text reads as missing.
+    // Empty, NA, ".", "" are missing; so is an unused text column.
     CsvRecordIter iter(dir.Write("m.csv", "v,w,u\n,1,x\nNA,2,y\n.,3,\n\"\",4,z\n 5 ,\"6\",q\n+7,NA,r\n"), {0, 1, 9});
     ASSERT_EQ(iter.Scan().error, "");  // an index past the header is ignored
     EXPECT_EQ(readPass(iter), (Rows{{M, 1, M}, {M, 2, M}, {M, 3, M}, {M, 4, M}, {5, 6, M}, {7, M, M}}));
@@ -117,8 +134,7 @@ TEST(CsvRecordIter, ErrorsNameFileLineAndColumn) {
 
 TEST(CsvRecordIter, NominalCodesSortNumbersByValueThenText) {
     bsntest::TempDir dir;
-    const std::string path =
-        dir.Write("f.csv", "f,y\nb,1\na,2\n10,3\n9,4\n2.5,5\n1.0,6\n1,7\na,8\nNA,9\nB,10\n");
+    const std::string path = dir.Write("f.csv", "f,y\nb,1\na,2\n10,3\n9,4\n2.5,5\n1.0,6\n1,7\na,8\nNA,9\nB,10\n");
     CsvRecordIter iter(path, {0, 1}, {0});
     const CsvScanResult scan = iter.Scan();
     ASSERT_EQ(scan.error, "");
@@ -131,8 +147,7 @@ TEST(CsvRecordIter, NominalCodesSortNumbersByValueThenText) {
 
 TEST(CsvRecordIter, PassesRereadTheFileIdentically) {
     bsntest::TempDir dir;
-    // Enough rows to cross many buffer refills and the buffer's growth for
-    // one very long quoted field.
+    // Many buffer refills, and the buffer's growth for one very long quoted field.
     std::string content = "i,half,lab\n";
     const int n = 60000;
     for (int i = 0; i < n; ++i)
@@ -147,9 +162,8 @@ TEST(CsvRecordIter, PassesRereadTheFileIdentically) {
     EXPECT_EQ(scan.labels[2].size(), 8u);
     EXPECT_TRUE(MCCommon_850::HasAnyRecord(iter));
     const Rows first = readPass(iter);
-    const Rows second = readPass(iter);
     ASSERT_EQ(first.size(), static_cast<std::size_t>(n + 1));
-    EXPECT_EQ(first, second);
+    EXPECT_EQ(readPass(iter), first);
     for (int i = 0; i < n; ++i)  // codes follow the labels L0..L6, then the long text
         ASSERT_EQ(first[i], (std::vector<double>{double(i), i * 0.5, double(i % 7)})) << "row " << i;
     EXPECT_EQ(first.back(), (std::vector<double>{-1, 0, 7}));
@@ -157,7 +171,6 @@ TEST(CsvRecordIter, PassesRereadTheFileIdentically) {
 
 TEST(CsvRecordIter, EmptyFilesAndFilesChangedBetweenPasses) {
     bsntest::TempDir dir;
-    // Empty and absent files are the host's tests.
     std::vector<std::string> names;
     EXPECT_NE(MCCommon_850::ReadCsvHeader(dir.Write("dup.csv", "a,b,a\n"), names).find("'a' appears twice"),
               std::string::npos);
@@ -190,4 +203,108 @@ TEST(CsvRecordIter, EmptyFilesAndFilesChangedBetweenPasses) {
     // Passes without an explicit scan run it first (nominal codes need it).
     CsvRecordIter unscanned(dir.Write("u.csv", "g\nz\ny\n"), {0}, {0});
     EXPECT_EQ(readPass(unscanned), (Rows{{1}, {0}}));
+}
+
+// Short plain decimals take a fast path, bit-identical to the general one at
+// every digit count around the 15-digit hand-over.
+TEST(CsvNumbers, FastPathIsBitIdenticalToGeneralConversion) {
+    // Inexact decimals, signs and zeros, then random ones.
+    std::vector<std::string> texts = {"0.1", "0.3", "2.675", "-0.0", "0", "+7.25", "123456789012345", "1234567890123456",
+                                      "0.000000000000001", "9007199254740993", ".5", "5.", "-.25"};
+    std::mt19937_64 gen(7);
+    for (int trial = 0; trial < 200000; ++trial) {
+        const int intDigits = static_cast<int>(gen() % 10), fracDigits = static_cast<int>(gen() % 10);
+        if (intDigits + fracDigits == 0) continue;
+        std::string& text = texts.emplace_back(gen() % 3 == 0 ? "-" : "");
+        for (int i = 0; i < intDigits; ++i) text += static_cast<char>('0' + gen() % 10);
+        if (fracDigits > 0 || gen() % 5 == 0) text += '.';
+        for (int i = 0; i < fracDigits; ++i) text += static_cast<char>('0' + gen() % 10);
+    }
+    for (const std::string& text : texts) {
+        double parsed = 0.0;
+        ASSERT_TRUE(CsvParseNumber(text, parsed)) << text;
+        ASSERT_TRUE(sameBits(parsed, reference(text))) << text << " gave " << parsed;
+    }
+    // Not numbers, for either path; no NaN or infinity.
+    double parsed = 0.0;
+    for (const char* text : {"-", "+", "1.2.3", "1-2", "--1", "+-1", "1e", "1,5", "abc", "0x10", "nan", "inf", "-inf",
+                             "1e999"})
+        EXPECT_FALSE(CsvParseNumber(text, parsed)) << text;
+    // Exponents and surrounding white space take the general path; NA is missing.
+    ASSERT_TRUE(CsvParseNumber("\t-0.125e1 ", parsed));
+    EXPECT_EQ(parsed, -1.25);
+    ASSERT_TRUE(CsvParseNumber("NA", parsed));
+    EXPECT_TRUE(MCMV::IsMissing(parsed));
+}
+
+TEST(ColumnCache, PassesFromMemoryMatchTheFileAndTheBudgetHolds) {
+    bsntest::TempDir dir;
+    // A nominal column whose labels appear out of order, an unused column, and
+    // one row more than a storage block (a one-block budget is not enough).
+    const std::size_t nRows = ColumnCache::kBlockRows + 1;
+    std::string csv = "a,skip,g,b\n";
+    for (std::size_t i = 0; i < nRows; ++i) {
+        const char* g[] = {"zeta", "10", "alpha", "", "2"};
+        csv += fmt::format("{},{},{},{}\n", i % 7 == 0 ? std::string("NA") : fmt::format("{}.25", i), i, g[i % 5],
+                           1e9 + static_cast<double>(i) * 1e-3);
+    }
+    const std::string path = dir.Write("d.csv", csv);
+    const std::vector<int> used = {0, 2, 3}, nominal = {2};
+
+    CsvRecordIter streamed(path, used, nominal);
+    ASSERT_EQ(streamed.Scan().error, "");
+    EXPECT_FALSE(streamed.IsHeldInMemory());
+    const Rows expected = readPass(streamed);
+    ASSERT_EQ(expected.size(), nRows);
+    // Numbers sort before text: 2, 10, alpha, zeta.
+    EXPECT_EQ(expected[0], (std::vector<double>{M, M, 3, 1e9}));
+    EXPECT_EQ((std::vector<double>{expected[1][2], expected[2][2], expected[3][2], expected[4][2]}),
+              (std::vector<double>{1, 2, M, 0}));
+
+    const std::size_t oneBlock = ColumnCache::kBlockRows * sizeof(double) * used.size();
+    for (const auto& [budget, held] : {std::pair{oneBlock, false}, {2 * oneBlock - 1, false}, {2 * oneBlock, true},
+                                       {std::size_t{1} << 30, true}}) {
+        SCOPED_TRACE(budget);
+        CsvRecordIter iter(path, used, nominal);
+        iter.SetMemoryBudget(budget);
+        const auto scan = iter.Scan();
+        ASSERT_EQ(scan.error, "");
+        EXPECT_EQ(scan.nRecords, static_cast<long long>(nRows));
+        EXPECT_EQ(iter.IsHeldInMemory(), held);
+        // Two passes: the second must start again at the first row.
+        EXPECT_EQ(readPass(iter), expected);
+        EXPECT_EQ(readPass(iter), expected);
+        EXPECT_EQ(iter.GetSourceError(), "");
+    }
+
+    // A file held in memory is not reread: a later change on disk cannot mix in.
+    CsvRecordIter held(path, used, nominal);
+    held.SetMemoryBudget(std::size_t{1} << 30);
+    ASSERT_EQ(held.Scan().error, "");
+    dir.Write("d.csv", "a,skip,g,b\n1,2,3,4\n");
+    EXPECT_EQ(readPass(held), expected);
+}
+
+TEST(ColumnCache, ScanStopsWhenCancelled) {
+    bsntest::TempDir dir;
+    std::string csv = "x\n";
+    for (int i = 0; i < 1000; ++i) csv += "1\n";
+    const std::string path = dir.Write("d.csv", csv);
+    for (int at : {1, 2, 4}) {
+        CsvRecordIter iter(path, {0});
+        iter.SetMemoryBudget(std::size_t{1} << 20);
+        CountingCancel cancel(at);
+        const auto scan = iter.Scan(&cancel);
+        EXPECT_TRUE(scan.cancelled) << at;
+        EXPECT_EQ(scan.error, "");
+        EXPECT_EQ(scan.nRecords, 256 * (at - 1)) << at;  // asked before each block of 256 rows
+        EXPECT_FALSE(iter.IsHeldInMemory());
+    }
+    // Not cancelled: asked once per 256 rows, then the whole file is read.
+    CsvRecordIter iter(path, {0});
+    CountingCancel never(1000000);
+    const auto scan = iter.Scan(&never);
+    EXPECT_FALSE(scan.cancelled);
+    EXPECT_EQ(scan.nRecords, 1000);
+    EXPECT_EQ(never.calls, 4);
 }

@@ -12,9 +12,8 @@ using MCMath_850::MCLogGamma;
 using extremedata::err;
 using extremedata::num;
 
-// Every function against 40-digit values, at arguments from 0.5 to 1e12,
-// including pairs whose separate log-gamma values (about 3e13) would leave
-// no correct digit in the difference.
+// Against 40-digit values, arguments 0.5 to 1e12, including differences that
+// separate log-gamma values (about 3e13) would leave without a correct digit.
 TEST(MCLogGamma, MatchesHighPrecisionValues) {
     const auto rows = extremedata::read("extreme_lgamma.csv");
     ASSERT_GT(rows.size(), 70u);
@@ -34,9 +33,8 @@ TEST(MCLogGamma, MatchesHighPrecisionValues) {
 }
 
 TEST(MCLogGamma, VectorSumsOverTableCells) {
-    // ln B(a + x) - ln B(a) of a table with 1e12 counts, and the ratio of
-    // two priors on the same counts: the counts cancel cell by cell, so the
-    // ratio is exact although each side is about -1.5e12.
+    // ln B(a + x) - ln B(a) with 1e12 counts, and the ratio of two priors on the
+    // same counts: exact although each side is about -1.5e12.
     const auto rows = extremedata::read("extreme_multibeta.csv");
     ASSERT_EQ(rows.size(), 3u);
     for (const auto& r : rows) {

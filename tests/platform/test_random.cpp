@@ -40,7 +40,7 @@ TEST(MCRandomValues, DrawsFollowTheirDistributions) {
         std::string name;
         unsigned long seed;
         std::function<double(MCRandomValues&)> draw;
-        double lo, hi;
+        double lo, hi;  // the draws' range
         std::function<double(double)> cdf;
     };
     const double big = 1e300;
@@ -51,8 +51,7 @@ TEST(MCRandomValues, DrawsFollowTheirDistributions) {
          std::nextafter(1.0, 0.0), [](double u) { return u; }},
         {"normal", 987654321UL, [](MCRandomValues& r) { return r.GetNormal(); }, -big, big, normalCdf},
     };
-    // Shape 1/2 rate 1/2 is chi-square with 1 df, the prior draw of the JZS
-    // factor; shapes below 1 take the boosted path.
+    // Shape 1/2 rate 1/2: the JZS prior draw; shapes below 1 take the boosted path.
     for (const auto& [shape, rate] : {std::pair{0.5, 0.5}, {0.3, 2.0}, {1.0, 1.0}, {2.5, 2.0}, {40.0, 0.1}})
         cases.push_back({"gamma " + std::to_string(shape) + " " + std::to_string(rate), 2000000,
                          [=](MCRandomValues& r) { return r.GetGamma(shape, rate); }, 0.0, big,
@@ -65,12 +64,10 @@ TEST(MCRandomValues, DrawsFollowTheirDistributions) {
             ASSERT_TRUE(v >= c.lo && v <= c.hi) << c.name << ": " << v;
         }
         EXPECT_LT(ksDistance(x, c.cdf), kKsCritical) << c.name;
-        if (c.name == "normal") {
-            // Odd draws (the second halves of the polar pairs) are normal too.
-            std::vector<double> odd;
-            for (std::size_t i = 1; i < x.size(); i += 2) odd.push_back(x[i]);
-            EXPECT_LT(ksDistance(odd, normalCdf), 1.95 / std::sqrt(static_cast<double>(odd.size())));
-        }
+        if (c.name != "normal") continue;
+        std::vector<double> odd;  // the second halves of the polar pairs are normal too
+        for (std::size_t i = 1; i < x.size(); i += 2) odd.push_back(x[i]);
+        EXPECT_LT(ksDistance(odd, normalCdf), 1.95 / std::sqrt(static_cast<double>(odd.size())));
     }
 
     MCRandomValues r(31);
@@ -83,8 +80,7 @@ TEST(MCRandomValues, DrawsFollowTheirDistributions) {
 }
 
 TEST(MCRandomValues, ReproducibleStreams) {
-    // Anchors for seed 2000000, computed by a separate implementation of the
-    // engine's seeding and of the transforms documented in the header.
+    // Anchors from a separate implementation of the seeding and the documented transforms.
     MCRandomValues r(2000000);
     r.SetParamGamma(0.5, 0.5);
     const std::vector<std::pair<std::function<double()>, std::vector<double>>> anchors = {

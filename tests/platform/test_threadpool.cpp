@@ -1,8 +1,5 @@
-// The thread factory and its executor: the cap on threads, a second run
-// refused while one goes on, waits that time out, a task that fails or
-// throws counted without taking anything else down, and releasing that
-// waits for a run still going. (That every task runs once is seen in the
-// correlation thread tests.)
+// The thread factory and its executor. (That every task runs once is seen
+// in the correlation thread tests.)
 #include <gtest/gtest.h>
 
 #include <atomic>
@@ -18,21 +15,17 @@ using namespace MCThread_850;
 
 namespace {
 
-class FailingTask : public IMCThreadTask {
-public:
-    explicit FailingTask(bool throws) : m_throws(throws) {}
+struct FailingTask : IMCThreadTask {
+    explicit FailingTask(bool throws) : throws(throws) {}
     bool RunTask() override {
-        if (m_throws) throw std::runtime_error("task failure");
+        if (throws) throw std::runtime_error("task failure");
         return false;
     }
-
-private:
-    bool m_throws;
+    bool throws;
 };
 
 // Blocks until released, so a run can be observed while it is going.
-class GateTask : public IMCThreadTask {
-public:
+struct GateTask : IMCThreadTask {
     bool RunTask() override {
         while (!open.load()) std::this_thread::sleep_for(std::chrono::milliseconds(1));
         return true;
@@ -52,8 +45,7 @@ TEST(ThreadPool, FailuresAreCountedAndWaitsTimeOut) {
     GateTask gate;
     std::vector<IMCThreadTask*> list = {&returnsFalse, &gate, &throws, nullptr};
     ASSERT_TRUE(executor->Execute(list));
-    // A second run is refused while the first goes on, and a short wait
-    // reports it unfinished.
+    // A second run is refused while the first goes on; a short wait times out.
     EXPECT_FALSE(executor->Execute(list));
     EXPECT_FALSE(executor->WaitFor(20));
     gate.open = true;

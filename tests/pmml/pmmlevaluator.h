@@ -1,11 +1,9 @@
 #pragma once
-// An independent reader of a PMML GeneralRegressionModel (generalLinear,
-// regression) that predicts by the PMML rules: for each parameter the
-// product of its PPCells' contributions (a factor cell 1 when the record's
-// value equals the cell's value, compared as numbers when the field's
-// dataType is numeric, else 0; a covariate cell the value to the cell's
-// power; no cell 1), times the parameter's beta from the ParamMatrix,
-// summed over the parameters.
+// An independent reader of a PMML GeneralRegressionModel (generalLinear, regression) that predicts
+// by the PMML rules: for each parameter the product of its PPCells' contributions (a factor cell 1
+// when the record's value equals the cell's value, compared as numbers when the field's dataType is
+// numeric, else 0; a covariate cell the value to the cell's power; no cell 1), times the
+// parameter's beta from the ParamMatrix, summed over the parameters.
 #include <cmath>
 #include <map>
 #include <optional>
@@ -69,9 +67,7 @@ public:
         return y;
     }
 
-    struct Cell {
-        std::string predictor, value, parameter;
-    };
+    struct Cell { std::string predictor, value, parameter; };
     const tinyxml2::XMLElement* model = nullptr;
     std::vector<std::string> parameters;
     std::set<std::string> factors;

@@ -1,7 +1,6 @@
-// PMML export of regression and ANOVA models: every document checked
-// against the schema's structure, read back and evaluated by the PMML rules
-// (it must predict what Score predicts), its content against R, and the
-// exporter's statuses.
+// PMML export of regression and ANOVA models: every document checked against the schema's
+// structure, read back and evaluated by the PMML rules (it must predict what Score predicts), its
+// content against R, and the exporter's statuses.
 #include <fmt/format.h>
 
 #include <cstdio>
@@ -35,10 +34,7 @@ MCXML_850::MCVarList namedVars() {
     return vars;
 }
 
-struct Exported {
-    MCStatus status;
-    std::string xml;
-};
+struct Exported { MCStatus status; std::string xml; };
 
 // Exports the model; a document written must pass the schema check.
 Exported exportModel(const BSNMultiRegOutputStats& r, const MCXML_850::MCVarList& vars, bool covariance) {
@@ -70,31 +66,16 @@ std::map<std::string, std::string> fields(const std::vector<double>& v) {
     return {{"x1", text(v[kX1])}, {"x2", text(v[kX2])}, {"g", label(kG, kGLabels)}, {"h", label(kH, kHLabels)}};
 }
 
-BSNSettings conjugateA() {
-    BSNSettings s = modelSettings('A');
-    s.SetPriorType(BC::Conjugate);
-    s.SetPriorShape(3);
-    s.SetPriorScale(2);
-    s.SetPriorMeans({1, 0.5, -0.5, 123.0, 0.7, -0.2});
-    return s;
-}
-
 } // namespace
 
 TEST(PmmlExport, DocumentsReadBackPredictWhatScorePredicts) {
-    BSNSettings bfOnly = modelSettings('A');
+    BSNSettings bfOnly = modelSettings('A'), conjugate = modelSettings('A');
     bfOnly.SetAnalysType(BC::BayesFactor);
-    const struct {
-        const char* name;
-        BSNSettings settings;
-        bool covariance;
-    } cases[] = {
-        {"A reference (dense rows)", modelSettings('A'), true},
-        {"B reference (sparse rows)", modelSettings('B'), true},
-        {"C ANOVA", modelSettings('C'), true},
-        {"A conjugate", conjugateA(), true},
-        {"A without posterior", bfOnly, false},
-    };
+    setConjugatePrior(conjugate, false);
+    const struct { const char* name; BSNSettings settings; bool covariance; } cases[] = {
+        {"A reference (dense rows)", modelSettings('A'), true}, {"B reference (sparse rows)", modelSettings('B'), true},
+        {"C ANOVA", modelSettings('C'), true}, {"A conjugate", conjugate, true},
+        {"A without posterior", bfOnly, false}};
     const auto training = readColumns("regr_small.csv");
     const auto fresh = readColumns("scoring_new.csv");
     for (const auto& c : cases) {
@@ -138,9 +119,8 @@ TEST(PmmlExport, DocumentDescribesTheModelAndItsData) {
         EXPECT_STREQ(pmml->Attribute("xmlns"), "http://www.dmg.org/PMML-4_4");
         EXPECT_STREQ(pmml->Attribute("version"), "4.4");
 
-        // Data dictionary: the dependent, covariates and weights continuous,
-        // the factor categorical with its data values in code order; the
-        // mining schema's usage of each field.
+        // Data dictionary: the dependent, covariates and weights continuous, the factor categorical
+        // with its data values in code order; the mining schema's usage of each field.
         std::string dict, usage;
         for (const auto* f = pmml->FirstChildElement("DataDictionary")->FirstChildElement("DataField"); f;
              f = f->NextSiblingElement("DataField")) {
@@ -205,13 +185,8 @@ TEST(PmmlExport, StatusesForMissingVariablesAndBadInputs) {
     std::vector<double> missingBeta = b;
     missingBeta[4] = kMiss;
 
-    const struct {
-        const char* name;
-        MCMath_850::MCFastDesignMatrix design;
-        const MCXML_850::MCVarList* vars;
-        const MCMath_850::MCSymMatrix* covariance;
-        std::vector<double> coefficients;
-        int code, datum0, datum1;
+    const struct { const char* name; MCMath_850::MCFastDesignMatrix design; const MCXML_850::MCVarList* vars;
+                   const MCMath_850::MCSymMatrix* covariance; std::vector<double> coefficients; int code, d0, d1;
     } cases[] = {
         {"complete", design(kG, kX2, kY), &vars, &size6, b, 0, -1, -1},
         {"coded factor without a name", design(kG, kX2, kY), &unnamedNominal, nullptr, b, 0, -1, -1},
@@ -239,8 +214,8 @@ TEST(PmmlExport, StatusesForMissingVariablesAndBadInputs) {
         }
         EXPECT_TRUE(s.IsError()) << c.name;
         EXPECT_EQ(os.str(), "") << c.name << ": a failed export wrote something";
-        EXPECT_EQ(s.GetDiscreteDatum(0), c.datum0) << c.name;
-        EXPECT_EQ(s.GetDiscreteDatum(1), c.datum1) << c.name;
+        EXPECT_EQ(s.GetDiscreteDatum(0), c.d0) << c.name;
+        EXPECT_EQ(s.GetDiscreteDatum(1), c.d1) << c.name;
     }
 
     // The validator is live: the explanation after the ParamMatrix breaks the
@@ -257,13 +232,9 @@ TEST(PmmlExport, StatusesForMissingVariablesAndBadInputs) {
 
 TEST(PmmlExport, CategoryValueTypesAndNumberTexts) {
     using MCCommon_850::MCPMMLExporter;
-    const struct {
-        std::vector<std::string> labels;
-        int n;
-        const char* type;
-    } cases[] = {{{"1", "2", "-10"}, 3, "integer"}, {{"1", "2.5"}, 2, "double"}, {{"1", "1e3"}, 2, "double"},
-                 {{"1", "a"}, 2, "string"},         {{"1", " 2"}, 2, "string"},   {{}, 3, "integer"},
-                 {{"a"}, 2, "string"}};
+    const struct { std::vector<std::string> labels; int n; const char* type; } cases[] = {
+        {{"1", "2", "-10"}, 3, "integer"}, {{"1", "2.5"}, 2, "double"}, {{"1", "1e3"}, 2, "double"},
+        {{"1", "a"}, 2, "string"}, {{"1", " 2"}, 2, "string"}, {{}, 3, "integer"}, {{"a"}, 2, "string"}};
     for (const auto& c : cases) {
         MCXML_850::MCContVar v("f", MCXML_850::MCVarKind::Nominal);
         v.SetValueLabels(c.labels);

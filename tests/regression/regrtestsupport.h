@@ -4,10 +4,8 @@
 // tests/data (regr_small.csv and the numbers computed from it).
 #include <gtest/gtest.h>
 
-#include <algorithm>
-#include <fstream>
+#include <array>
 #include <map>
-#include <sstream>
 #include <stdexcept>
 #include <string>
 #include <vector>
@@ -15,6 +13,7 @@
 #include "bsn/regression/bsnmultiregoutputstats.h"
 #include "platform/common/mcmv.h"
 #include "tests/frame/componentrun.h"
+#include "tests/onesample/extremedata.h"
 
 namespace regrtest {
 
@@ -33,8 +32,7 @@ struct RegrRun : bsntest::ComponentRun {
 
 using bsntest::ScaleVars;
 
-// Regression of variable `dep` on the covariates `covs`; the model type
-// brings the reference prior.
+// Regression of variable `dep` on the covariates `covs`; the model type brings the reference prior.
 inline BSNSettings regression(int dep, const std::vector<int>& covs) {
     BSNSettings s;
     s.SetModelType(BC::Regression, true);
@@ -43,48 +41,48 @@ inline BSNSettings regression(int dep, const std::vector<int>& covs) {
     return s;
 }
 
-inline std::string dataPath(const std::string& name) { return std::string(BSN_SOURCE_DIR) + "/tests/data/" + name; }
+// The conjugate prior of tests/data/regr_reference.R for y ~ g + x1 + x2;
+// the prior mean of the redundant parameter (index 3) plays no part.
+inline void setConjugatePrior(BSNSettings& s, bool covariance = true) {
+    s.SetPriorType(BC::Conjugate);
+    s.SetPriorShape(3);
+    s.SetPriorScale(2);
+    s.SetPriorMeans({1, 0.5, -0.5, 123.0, 0.7, -0.2});
+    if (covariance)
+        s.SetPriorCovMatrix({4, 0.5, 2, 0.2, 0.1, 3, 0, 0, 0, 1, 0.3, 0, 0.1, 0, 1.5, 0.1, 0, 0, 0, 0.2, 0.8});
+}
 
 // A numeric CSV with a header: one column per field.
 inline std::vector<std::vector<double>> readColumns(const std::string& name) {
-    std::ifstream in(dataPath(name));
-    if (!in) throw std::runtime_error("cannot read " + name);
-    std::string line;
-    std::getline(in, line);
-    const auto nCols = static_cast<std::size_t>(std::count(line.begin(), line.end(), ',') + 1);
-    std::vector<std::vector<double>> cols(nCols);
-    while (std::getline(in, line)) {
-        std::stringstream ss(line);
-        std::string cell;
-        for (std::size_t c = 0; c < nCols && std::getline(ss, cell, ','); ++c) cols[c].push_back(std::stod(cell));
-    }
+    const auto rows = extremedata::read(name);
+    if (rows.empty()) throw std::runtime_error("cannot read " + name);
+    std::vector<std::vector<double>> cols(rows[0].size());
+    for (const auto& r : rows)
+        for (std::size_t c = 0; c < cols.size(); ++c) cols[c].push_back(std::stod(r.at(c)));
     return cols;
 }
 
 // name -> values by index, from a "name,index,value" file.
 inline std::map<std::string, std::vector<double>> readReference(const std::string& name) {
-    std::ifstream in(dataPath(name));
-    if (!in) throw std::runtime_error("cannot read " + name);
-    std::string line;
-    std::getline(in, line);
     std::map<std::string, std::vector<double>> ref;
-    while (std::getline(in, line)) {
-        std::stringstream ss(line);
-        std::string key, index, value;
-        std::getline(ss, key, ',');
-        std::getline(ss, index, ',');
-        std::getline(ss, value, ',');
-        auto& v = ref[key];
-        const auto i = static_cast<std::size_t>(std::stoi(index));
+    for (const auto& r : extremedata::read(name)) {
+        auto& v = ref[r.at(0)];
+        const auto i = static_cast<std::size_t>(std::stoi(r.at(1)));
         if (v.size() <= i) v.resize(i + 1);
-        v[i] = std::stod(value);
+        v[i] = std::stod(r.at(2));
     }
+    if (ref.empty()) throw std::runtime_error("cannot read " + name);
     return ref;
 }
 
 inline void expectRel(double actual, double expected, double rel, const std::string& what) {
     EXPECT_FALSE(MCMV::IsMissing(actual)) << what;
     EXPECT_NEAR(actual, expected, rel * std::max(1.0, std::fabs(expected))) << what;
+}
+
+// A posterior estimate's parts in the order mode, mean, variance, lower, upper.
+inline std::array<double, 5> parts(const MCBSN_850::BayesEstimation& e) {
+    return {e.GetMode(), e.GetMean(), e.GetVariance(), e.GetLower(), e.GetUpper()};
 }
 
 } // namespace regrtest

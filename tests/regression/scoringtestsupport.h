@@ -1,9 +1,8 @@
 #pragma once
-// Shared pieces of the scoring and PMML tests: the models fitted to
-// tests/data/regr_small.csv whose predictions tests/data/scoring_reference.R
-// computed with R (A: y ~ g + x1 + x2, dense rows; B: y ~ h + x1, sparse
-// rows; C: one-way ANOVA of y on g), the new records of scoring_new.csv,
-// and records as the library reads them.
+// Shared pieces of the scoring and PMML tests: the models fitted to tests/data/regr_small.csv whose
+// predictions tests/data/scoring_reference.R computed with R (A: y ~ g + x1 + x2, dense rows; B: y
+// ~ h + x1, sparse rows; C: one-way ANOVA of y on g), the new records of scoring_new.csv, and
+// records as the library reads them.
 #include <string>
 #include <vector>
 
@@ -21,18 +20,9 @@ inline BSNSettings modelSettings(char model) {
     BSNSettings s;
     s.SetModelType(model == 'C' ? BC::Anova : BC::Regression, true);
     s.SetDependVar(kY);
-    if (model == 'A') {
-        s.SetFactors({kG});
-        s.SetFactorNCategs({3});
-        s.SetCovariates({kX1, kX2});
-    } else if (model == 'B') {
-        s.SetFactors({kH});
-        s.SetFactorNCategs({4});
-        s.SetCovariates({kX1});
-    } else {
-        s.SetFactors({kG});
-        s.SetFactorNCategs({3});
-    }
+    s.SetFactors({model == 'B' ? kH : kG});
+    s.SetFactorNCategs({model == 'B' ? 4 : 3});
+    if (model != 'C') s.SetCovariates(model == 'A' ? std::vector<int>{kX1, kX2} : std::vector<int>{kX1});
     s.SetFrequencyWeightVar(kFreq);
     s.SetRegrWeightVar(kRW);
     s.SetAnalysType(BC::Both);

@@ -25,9 +25,8 @@ BSNSettings anovaSettings(int nCategories) {
 
 TEST(Anova, CellMeansTableAndAgreementWithRegression) {
     // Factor codes 1.85 -> cell 1 and 1.95 -> cell 2 (value + 0.1, rounded down).
-    std::vector<std::vector<double>> cols = {{3, 4, 5, 7, 8, 12, 13, 10, 1e9},
-                                             {0, 0, 0.0, 1, 1.85, 1.95, 2, 2, kMiss},
-                                             {1, 2, 1, 1, 1, 3, 1, 1, 1}};
+    std::vector<std::vector<double>> cols = {
+        {3, 4, 5, 7, 8, 12, 13, 10, 1e9}, {0, 0, 0.0, 1, 1.85, 1.95, 2, 2, kMiss}, {1, 2, 1, 1, 1, 3, 1, 1, 1}};
     BSNSettings s = anovaSettings(3);
     s.SetFrequencyWeightVar(2);
     RegrRun run(s, cols, ScaleVars(3, {1}));
@@ -36,9 +35,8 @@ TEST(Anova, CellMeansTableAndAgreementWithRegression) {
     EXPECT_EQ(r.GetOutputType(), BC::OutputAnova);
     // Cells: {3, 4, 4, 5}, {7, 8}, {12, 12, 12, 13, 10}.
     const auto& b = r.GetRegrParameters();
-    EXPECT_NEAR(b[0], 4.0, 1e-12);
-    EXPECT_NEAR(b[1], 7.5, 1e-12);
-    EXPECT_NEAR(b[2], 59.0 / 5, 1e-12);
+    const double cellMeans[] = {4.0, 7.5, 59.0 / 5};
+    for (std::size_t i = 0; i < 3; ++i) EXPECT_NEAR(b[i], cellMeans[i], 1e-12) << i;
     const double N = 11, mean = (16 + 15 + 59) / N;
     const double sse = 2 + 0.5 + (3 * 0.04 + 1.44 + 3.24);
     double sst = 0;
@@ -50,7 +48,7 @@ TEST(Anova, CellMeansTableAndAgreementWithRegression) {
     EXPECT_NEAR(r.GetRSquared(), 1 - sse / sst, 1e-12);
 
     // The regression on the same cells (intercept + indicators) fits the
-    // same model.
+    // same model; cell 2's mean is its intercept.
     BSNSettings reg = s;
     reg.SetModelType(BC::Regression, true);
     RegrRun rr(reg, cols, ScaleVars(3, {1}));
@@ -59,7 +57,6 @@ TEST(Anova, CellMeansTableAndAgreementWithRegression) {
     EXPECT_NEAR(rr.result().GetAnova().f, r.GetAnova().f, 1e-9);
     EXPECT_NEAR(rr.result().GetBayesFactor(), r.GetBayesFactor(), 1e-9 * r.GetBayesFactor());
     EXPECT_NEAR(rr.result().GetErrorBayesEstimation().GetMean(), r.GetErrorBayesEstimation().GetMean(), 1e-10);
-    // Cell 2's mean under the regression is intercept + 0.
     EXPECT_NEAR(rr.result().GetRegrParameters()[0], b[2], 1e-10);
     // Posterior of a cell mean: t with N - k df around the mean, scale s sqrt(1/w).
     const double nu = N - 3, s2 = sse / nu;
@@ -74,23 +71,20 @@ TEST(Anova, EmptyCellsAndOneCategory) {
     EXPECT_EQ(run.result().GetRedundancy(), (std::vector<bool>{false, true, false}));
     EXPECT_EQ(run.result().GetAnova().regressionDF, 1.0);
     EXPECT_TRUE(MCMV::IsMissing(run.result().GetVarCoeffBayesEstimations()[1].GetVariance()));
-    // Two categories with one empty: only one cell is left.
+    // Two categories with one empty leave one cell; a single category is
+    // refused before the pass; more than 4999 categories too.
     std::vector<std::vector<double>> one = {{3, 4, 5}, {0, 0, 0}};
-    EXPECT_EQ(RegrRun(anovaSettings(2), one, ScaleVars(2, {1})).status.GetCode(), 410012);
-    // A single category is refused before the pass.
-    EXPECT_EQ(RegrRun(anovaSettings(1), one, ScaleVars(2, {1})).status.GetCode(), 410012);
+    for (const auto& [n, code] : std::vector<std::pair<int, int>>{{2, 410012}, {1, 410012}, {5000, 410057}})
+        EXPECT_EQ(RegrRun(anovaSettings(n), one, ScaleVars(2, {1})).status.GetCode(), code) << n;
     // A perfect fit keeps its factor under Zellner only.
     std::vector<std::vector<double>> perfect = {{3, 3, 5, 5}, {0, 0, 1, 1}};
-    BSNSettings s = anovaSettings(2);
-    RegrRun z(s, perfect, ScaleVars(2, {1}));
-    EXPECT_EQ(z.Count(410014), 0);
-    EXPECT_FALSE(MCMV::IsMissing(z.result().GetBayesFactor()));
-    s.SetRegrCompType(BC::Siow);
-    RegrRun si(s, perfect, ScaleVars(2, {1}));
-    EXPECT_EQ(si.Count(410014), 1);
-    EXPECT_TRUE(MCMV::IsMissing(si.result().GetBayesFactor()));
-    // More than 4999 categories.
-    EXPECT_EQ(RegrRun(anovaSettings(5000), one, ScaleVars(2, {1})).status.GetCode(), 410057);
+    for (const auto method : {BC::Zellner, BC::Siow}) {
+        BSNSettings s = anovaSettings(2);
+        s.SetRegrCompType(method);
+        RegrRun run(s, perfect, ScaleVars(2, {1}));
+        EXPECT_EQ(run.Count(410014), method == BC::Siow ? 1 : 0);
+        EXPECT_EQ(MCMV::IsMissing(run.result().GetBayesFactor()), method == BC::Siow);
+    }
 }
 
 TEST(Anova, PlotsOfCellsSigmaAndPrediction) {
@@ -106,9 +100,8 @@ TEST(Anova, PlotsOfCellsSigmaAndPrediction) {
     EXPECT_EQ(r.GetPlotParameters(), (std::vector<int>{2, 0}));
     ASSERT_EQ(r.GetPosteriorParamPlots().size(), 2u);
     for (std::size_t i = 0; i < 2; ++i) {
-        const auto& x = r.GetParamsArgumentsPlots4Posterior()[i];
         const auto& y = r.GetPosteriorParamPlots()[i];
-        ASSERT_EQ(x.size(), 21u);
+        ASSERT_EQ(r.GetParamsArgumentsPlots4Posterior()[i].size(), 21u);
         // Symmetric t: the peak (1) in the middle, the ends at the domain.
         EXPECT_NEAR(y[10], 1.0, 1e-12);
         EXPECT_NEAR(y[0], y[20], 1e-12);

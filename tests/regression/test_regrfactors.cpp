@@ -4,7 +4,6 @@
 
 #include "bsn/regression/bsnmultipleregrfullfactor.h"
 #include "bsn/regression/bsnmultipleregrnullfactor.h"
-#include "tests/onesample/extremedata.h"
 #include "tests/regression/regrtestsupport.h"
 
 using namespace regrtest;
@@ -12,18 +11,9 @@ using extremedata::num;
 using MCBSN_850::BSNMultipleRegrFullFactor;
 using MCBSN_850::BSNMultipleRegrNullFactor;
 
-namespace {
-
-BC::RegrCompute methodOf(const std::string& m) {
-    if (m == "siow") return BC::Siow;
-    if (m == "zellner") return BC::Zellner;
-    if (m == "hyper") return BC::Hyper;
-    return BC::Rouder;
-}
-
-} // namespace
-
 TEST(RegressionFactors, AgreeWithHighPrecisionIntegrals) {
+    const std::map<std::string, BC::RegrCompute> methods = {
+        {"siow", BC::Siow}, {"zellner", BC::Zellner}, {"hyper", BC::Hyper}, {"rouder", BC::Rouder}};
     const auto rows = extremedata::read("regr_factors_reference.csv");
     ASSERT_EQ(rows.size(), 15u);
     for (const auto& row : rows) {
@@ -31,7 +21,7 @@ TEST(RegressionFactors, AgreeWithHighPrecisionIntegrals) {
         const double N = num(row[2]), p = num(row[3]), pF = num(row[4]), R2 = num(row[5]), RF2 = num(row[6]);
         const double logbf = num(row[8]);
         BSNSettings s;
-        s.SetRegrCompType(methodOf(method));
+        s.SetRegrCompType(methods.at(method));
         if (method != "siow") s.SetRegrComPar(num(row[7]));
         std::unique_ptr<MCBSN_850::BSNMultipleRegrFactor> f;
         if (compare == "null") f = std::make_unique<BSNMultipleRegrNullFactor>(s, N, p, R2);
@@ -52,6 +42,17 @@ TEST(RegressionFactors, AgreeWithHighPrecisionIntegrals) {
 }
 
 TEST(RegressionFactors, ClosedFormsAndEdges) {
+    // The null factor of N = 50, p = 2, R2 = 0.3 (or as given) under a method
+    // and its parameter (none when missing): BF, log BF, no warnings.
+    struct Factor { double bf, log; bool quiet; };
+    const auto nullFactor = [](BC::RegrCompute method, double par, double N = 50, double p = 2, double R2 = 0.3) {
+        BSNSettings s;
+        s.SetRegrCompType(method);
+        if (!MCMV::IsMissing(par)) s.SetRegrComPar(par);
+        BSNMultipleRegrNullFactor f(s, N, p, R2);
+        f.Compute();
+        return Factor{f.GetBayesFactor(), f.GetLogBayesFactor(), f.GetWarnings().IsEmpty()};
+    };
     // Hyper-g null factor: (a - 2)/(p + a - 2) 2F1((N - 1)/2, 1; (p + a)/2; R2)
     // by its series, for a case where the bound 1e6 cuts off nothing that counts.
     const double N = 25, p = 2, R2 = 0.3, a = 3;
@@ -61,19 +62,16 @@ TEST(RegressionFactors, ClosedFormsAndEdges) {
         sum += term;
     }
     const double closed = (a - 2) / (p + a - 2) * sum;
-    BSNSettings s;
-    s.SetRegrCompType(BC::Hyper);
-    s.SetRegrComPar(a);
-    BSNMultipleRegrNullFactor hyper(s, N, p, R2);
-    hyper.Compute();
-    EXPECT_NEAR(hyper.GetBayesFactor(), closed, 1e-6 * closed);
-
+    EXPECT_NEAR(nullFactor(BC::Hyper, a, N, p, R2).bf, closed, 1e-6 * closed);
     // a = 2 gives 0 (the factor (a - 2)/2 is not guarded) and no logarithm.
-    s.SetRegrComPar(2.0);
-    BSNMultipleRegrNullFactor zero(s, N, p, R2);
-    zero.Compute();
-    EXPECT_EQ(zero.GetBayesFactor(), 0.0);
-    EXPECT_TRUE(MCMV::IsMissing(zero.GetLogBayesFactor()));
+    const auto zero = nullFactor(BC::Hyper, 2.0, N, p, R2);
+    EXPECT_EQ(zero.bf, 0.0);
+    EXPECT_TRUE(MCMV::IsMissing(zero.log));
+    // An unknown method leaves the null factor missing; so does Zellner without g, with no warning.
+    EXPECT_TRUE(MCMV::IsMissing(nullFactor(BC::Gonen, kMiss).bf));
+    const auto noG = nullFactor(BC::Zellner, kMiss);
+    EXPECT_TRUE(MCMV::IsMissing(noG.bf));
+    EXPECT_TRUE(noG.quiet);
 
     // Full comparison with equal fits: exactly 1 for every method, also
     // one that computes nothing otherwise.
@@ -86,19 +84,6 @@ TEST(RegressionFactors, ClosedFormsAndEdges) {
         EXPECT_EQ(f.GetBayesFactor(), 1.0) << m;
         EXPECT_EQ(f.GetLogBayesFactor(), 0.0) << m;
     }
-    // An unknown method leaves the null factor missing.
-    BSNSettings g;
-    g.SetRegrCompType(BC::Gonen);
-    BSNMultipleRegrNullFactor gonen(g, 50, 2, 0.3);
-    gonen.Compute();
-    EXPECT_TRUE(MCMV::IsMissing(gonen.GetBayesFactor()));
-    // Zellner without g: missing, no warning.
-    BSNSettings zs;
-    zs.SetRegrCompType(BC::Zellner);
-    BSNMultipleRegrNullFactor noG(zs, 50, 2, 0.3);
-    noG.Compute();
-    EXPECT_TRUE(MCMV::IsMissing(noG.GetBayesFactor()));
-    EXPECT_TRUE(noG.GetWarnings().IsEmpty());
 }
 
 TEST(RegressionFactors, HugeSampleThroughWeightsGivesTheLogFlaggedZellnerFactor) {

@@ -4,22 +4,16 @@
 #include <functional>
 
 #include "bsn/regression/bsnregraccumulator.h"
-#include "tests/regression/regrtestsupport.h"
+#include "tests/regression/scoringtestsupport.h"
 
-using namespace regrtest;
+using namespace scoringtest;
 
 namespace {
 
-// y ~ g (3 categories) + x1 + x2, frequency and regression weights.
+// y ~ g (3 categories) + x1 + x2 with frequency and regression weights (the
+// scoring tests' model A), a prediction and an F test of the slopes.
 BSNSettings smallSettings() {
-    BSNSettings s = regression(0, {1, 2});
-    s.SetFactors({3});
-    s.SetFactorNCategs({3});
-    s.SetFrequencyWeightVar(5);
-    s.SetRegrWeightVar(6);
-    s.SetAnalysType(BC::Both);
-    s.SetRegrCompType(BC::Zellner);
-    s.SetRegrComPar(50.0);
+    BSNSettings s = modelSettings('A');
     s.SetRegressors({1, 1.5, 9});
     MCBSN_850::BayesFTest t;
     t.SetPredictors({1, 2});
@@ -36,13 +30,12 @@ const auto& reference() {
 
 // A run over tests/data/regr_small.csv (v3 and v4 nominal).
 struct SmallRun : RegrRun {
-    explicit SmallRun(const BSNSettings& s) : RegrRun(s, readColumns("regr_small.csv"), ScaleVars(7, {3, 4})) {}
+    explicit SmallRun(const BSNSettings& s) : RegrRun(s, readColumns("regr_small.csv"), ScaleVars(7, {kG, kH})) {}
 };
 
-// What both priors give against their reference values under prefix p
-// ("ref" or "conj"): the coefficients' posteriors (the redundant one, index
-// 3, has mean 0 and nothing else), that of sigma^2, the prediction, and the
-// overall and the one custom F test.
+// What both priors give against their reference values under prefix p ("ref" or "conj"): the
+// coefficients' posteriors (the redundant one, index 3, has mean 0 and nothing else), that of
+// sigma^2, the prediction, and the overall and the one custom F test.
 void expectPosterior(const BSNMultiRegOutputStats& r, const std::string& p) {
     const auto& ref = reference();
     const auto& est = r.GetVarCoeffBayesEstimations();
@@ -55,18 +48,15 @@ void expectPosterior(const BSNMultiRegOutputStats& r, const std::string& p) {
         expectRel(e.GetLower(), ref.at(p + "_lower")[j], 1e-9, what);
         EXPECT_NEAR(e.GetLower() + e.GetUpper(), 2 * e.GetMean(), 1e-9) << what;
     }
-    EXPECT_EQ(est[3].GetMode(), 0.0);
-    EXPECT_EQ(est[3].GetMean(), 0.0);
-    EXPECT_TRUE(MCMV::IsMissing(est[3].GetVariance()));
-    EXPECT_TRUE(MCMV::IsMissing(est[3].GetLower()));
-    const auto& e = r.GetErrorBayesEstimation();
-    const double sigma2[] = {e.GetMode(), e.GetMean(), e.GetVariance(), e.GetLower(), e.GetUpper()};
+    const auto redundant = parts(est[3]);
+    EXPECT_EQ(redundant[0], 0.0);
+    EXPECT_EQ(redundant[1], 0.0);
+    EXPECT_TRUE(MCMV::IsMissing(redundant[2]) && MCMV::IsMissing(redundant[3]));
+    const auto sigma2 = parts(r.GetErrorBayesEstimation()), pred = parts(r.GetPredictedBayesEstimation());
     for (std::size_t k = 0; k < 5; ++k)
         expectRel(sigma2[k], ref.at(p + "_sigma2")[k], k < 3 ? 1e-10 : 1e-9, p + " sigma2 " + std::to_string(k));
-    const auto& y = r.GetPredictedBayesEstimation();
-    const double pred[] = {y.GetMean(), y.GetVariance(), y.GetLower(), y.GetUpper()};
-    for (std::size_t k = 0; k < 4; ++k)
-        expectRel(pred[k], ref.at(p + "_pred")[k], k == 0 ? 1e-10 : 1e-9, p + " prediction " + std::to_string(k));
+    for (std::size_t k = 0; k < 4; ++k)  // mean, variance, lower, upper
+        expectRel(pred[k + 1], ref.at(p + "_pred")[k], k == 0 ? 1e-10 : 1e-9, p + " prediction " + std::to_string(k));
     expectRel(r.GetFStat(), ref.at(p + "_fall")[0], 1e-9, p + " overall F");
     ASSERT_EQ(r.GetFTestResults().size(), 1u);
     expectRel(r.GetFTestResults()[0].GetWald(), ref.at(p + "_ftest")[0], 1e-9, p + " F test");
@@ -78,9 +68,7 @@ void expectPosterior(const BSNMultiRegOutputStats& r, const std::string& p) {
 
 TEST(RegressionFit, LeastSquaresAnovaAndReferencePosteriorAgreeWithR) {
     const auto& ref = reference();
-    BSNSettings s = smallSettings();
-    s.SetPriorType(BC::Reference);
-    SmallRun run(s);
+    SmallRun run(smallSettings());
     ASSERT_TRUE(run.status.IsOK()) << run.status.GetCode();
     const auto& r = run.result();
     const auto& b = r.GetRegrParameters();
@@ -106,12 +94,7 @@ TEST(RegressionFit, LeastSquaresAnovaAndReferencePosteriorAgreeWithR) {
 
 TEST(RegressionFit, ConjugatePosteriorMatchesMatrixFormulas) {
     BSNSettings s = smallSettings();
-    s.SetPriorType(BC::Conjugate);
-    s.SetPriorShape(3);
-    s.SetPriorScale(2);
-    // The prior mean of the redundant parameter (index 3) plays no part.
-    s.SetPriorMeans({1, 0.5, -0.5, 123.0, 0.7, -0.2});
-    s.SetPriorCovMatrix({4, 0.5, 2, 0.2, 0.1, 3, 0, 0, 0, 1, 0.3, 0, 0.1, 0, 1.5, 0.1, 0, 0, 0, 0.2, 0.8});
+    setConjugatePrior(s);
     SmallRun run(s);
     ASSERT_TRUE(run.status.IsOK()) << run.status.GetCode();
     EXPECT_EQ(run.Count(410021), 0);
@@ -121,8 +104,7 @@ TEST(RegressionFit, ConjugatePosteriorMatchesMatrixFormulas) {
     const auto& est = r.GetVarCoeffBayesEstimations();
     EXPECT_EQ(r.GetScoringCoefficients()[1], est[1].GetMean());
     EXPECT_EQ(r.GetPosteriorCovFactor().Size(), 6);
-    EXPECT_NEAR(r.GetPredIntervalScale() * r.GetPosteriorCovFactor().Get(1, 1) * r.GetTQuantile() *
-                    r.GetTQuantile(),
+    EXPECT_NEAR(r.GetPredIntervalScale() * r.GetPosteriorCovFactor().Get(1, 1) * r.GetTQuantile() * r.GetTQuantile(),
                 std::pow(est[1].GetUpper() - est[1].GetMean(), 2), 1e-9);
 
     // A covariance of the wrong size falls back to the identity (410021).
@@ -139,9 +121,8 @@ TEST(RegressionFit, ConjugatePosteriorMatchesMatrixFormulas) {
     BSNSettings noShape = s;
     noShape.SetPriorShape(kMiss);
     EXPECT_EQ(SmallRun(noShape).status.GetCode(), 410019);
-    BSNSettings shortMeans = s;
-    shortMeans.SetPriorMeans({1, 2});
-    SmallRun bad(shortMeans);
+    s.SetPriorMeans({1, 2});
+    SmallRun bad(s);
     EXPECT_EQ(bad.status.GetCode(), 410020);
     EXPECT_EQ(bad.status.GetDiscreteDatum(0), 6);
     EXPECT_EQ(bad.status.GetDiscreteDatum(1), 2);
@@ -178,6 +159,7 @@ TEST(RegressionFit, SparseAndDenseRowsGiveTheSameFit) {
     std::vector<std::vector<double>> rows;
     for (int i = 0; i < 60; ++i)
         rows.push_back({static_cast<double>(i % 12), 100.0 + std::sin(i * 0.7), 5.0 + 0.3 * (i % 12) + std::cos(i)});
+    const auto weight = [](const std::vector<double>& row) { return 1.0 + (row[0] == 3 ? 1.5 : 0.0); };
     auto fitWith = [&](bool sparse, std::vector<double>& coeffs, MCMath_850::MCSymMatrix& inverse,
                        MCMath_850::MCSymMatrix& xtx) {
         MCMath_850::MCFastDesignMatrix d = design;
@@ -185,11 +167,11 @@ TEST(RegressionFit, SparseAndDenseRowsGiveTheSameFit) {
         for (const auto& row : rows) {
             const MCCommon_850::Record rec(row.data(), row.size());
             ASSERT_TRUE(acc.PrepareShifts(rec));
-            ASSERT_TRUE(acc.Add(rec, 1.0 + (row[0] == 3 ? 1.5 : 0.0)));
+            ASSERT_TRUE(acc.Add(rec, weight(row)));
         }
         acc.Finish();
         std::vector<double> xty;
-        double yty;
+        double yty = 0.0;
         acc.GetCrossProducts(xtx, xty, yty);
         ASSERT_TRUE(acc.Sweep(nullptr));
         coeffs = acc.GetCoefficients();
@@ -207,7 +189,7 @@ TEST(RegressionFit, SparseAndDenseRowsGiveTheSameFit) {
     EXPECT_LT((xs.Dense() - xd.Dense()).cwiseAbs().maxCoeff(), 1e-7);
     // The unshifted X'X is the plain sum of weighted row products.
     double x11 = 0.0;
-    for (const auto& row : rows) x11 += (1.0 + (row[0] == 3 ? 1.5 : 0.0)) * row[1] * row[1];
+    for (const auto& row : rows) x11 += weight(row) * row[1] * row[1];
     EXPECT_NEAR(xd.Get(13, 13), x11, 1e-9 * x11);
     // And the inverse is a generalised inverse: X'X G X'X = X'X.
     const Eigen::MatrixXd back = xd.Dense() * id.Dense() * xd.Dense();
@@ -222,59 +204,44 @@ TEST(RegressionFit, DataFarFromZeroKeepsItsPrecision) {
         const double dx = 0.01 * std::sin(1.3 * i), e = 0.002 * std::cos(2.1 * i + 0.4);
         far[0].push_back(1e9 + dx);
         far[1].push_back(3e9 + 3 * dx + e);
-    }
-    for (int i = 0; i < 200; ++i) {
-        near[0].push_back(far[0][static_cast<std::size_t>(i)] - 1e9);
-        near[1].push_back(far[1][static_cast<std::size_t>(i)] - 3e9);
+        near[0].push_back(far[0].back() - 1e9);
+        near[1].push_back(far[1].back() - 3e9);
     }
     const BSNSettings s = regression(1, {0});
     RegrRun a(s, far), b(s, near);
     ASSERT_TRUE(a.status.IsOK()) << a.status.GetCode();
     ASSERT_TRUE(b.status.IsOK());
-    EXPECT_EQ(a.result().GetRedundancy(), (std::vector<bool>{false, false}));
-    EXPECT_NEAR(a.result().GetRegrParameters()[1], b.result().GetRegrParameters()[1], 1e-6);
-    EXPECT_NEAR(a.result().GetRSquared(), b.result().GetRSquared(), 1e-9);
-    EXPECT_NEAR(a.result().GetAnova().residualSS, b.result().GetAnova().residualSS,
-                1e-6 * b.result().GetAnova().residualSS);
-    EXPECT_NEAR(a.result().GetVarCoeffBayesEstimations()[1].GetVariance(),
-                b.result().GetVarCoeffBayesEstimations()[1].GetVariance(),
-                1e-6 * b.result().GetVarCoeffBayesEstimations()[1].GetVariance());
+    const auto &fa = a.result(), &fb = b.result();
+    EXPECT_EQ(fa.GetRedundancy(), (std::vector<bool>{false, false}));
+    EXPECT_NEAR(fa.GetRegrParameters()[1], fb.GetRegrParameters()[1], 1e-6);
+    EXPECT_NEAR(fa.GetRSquared(), fb.GetRSquared(), 1e-9);
+    EXPECT_NEAR(fa.GetAnova().residualSS, fb.GetAnova().residualSS, 1e-6 * fb.GetAnova().residualSS);
+    const double v = fb.GetVarCoeffBayesEstimations()[1].GetVariance();
+    EXPECT_NEAR(fa.GetVarCoeffBayesEstimations()[1].GetVariance(), v, 1e-6 * v);
     // The intercept moves with the data: y - 3e9 = b0 + b1 (x - 1e9) gives
     // the intercept b0 + 3e9 - 1e9 b1 on the original scale.
-    const double b1 = a.result().GetRegrParameters()[1];
-    EXPECT_NEAR(a.result().GetRegrParameters()[0], b.result().GetRegrParameters()[0] + 3e9 - 1e9 * b1, 1e-3);
+    const double b1 = fa.GetRegrParameters()[1];
+    EXPECT_NEAR(fa.GetRegrParameters()[0], fb.GetRegrParameters()[0] + 3e9 - 1e9 * b1, 1e-3);
 }
 
 TEST(RegressionFit, ErrorsBeforeAndAfterThePass) {
+    using Vars = MCXML_850::MCVarList;
     std::vector<std::vector<double>> cols = {{1, 2, 3, 4, 5}, {2, 2, 2, 2, 2}, {0, 1, 0, 1, 0}};
-    struct Case {
-        const char* what;
-        std::function<void(BSNSettings&, MCXML_850::MCVarList&)> setup;
-        int code;
-    };
+    struct Case { const char* what; std::function<void(BSNSettings&, Vars&)> setup; int code; };
     const std::vector<Case> cases = {
-        {"dependent stored constant", [](BSNSettings&, MCXML_850::MCVarList& v) { v.Get(0).SetRange(3, 3); }, 410011},
-        {"dependent nominal", [](BSNSettings&, MCXML_850::MCVarList& v) { v.Get(0) = MCXML_850::MCContVar("y", MCXML_850::MCVarKind::Nominal); }, 410001},
-        {"covariate stored constant", [](BSNSettings&, MCXML_850::MCVarList& v) { v.Get(1).SetRange(2, 2); }, 410012},
+        {"dependent stored constant", [](BSNSettings&, Vars& v) { v.Get(0).SetRange(3, 3); }, 410011},
+        {"dependent nominal",
+         [](BSNSettings&, Vars& v) { v.Get(0) = MCXML_850::MCContVar("y", MCXML_850::MCVarKind::Nominal); }, 410001},
+        {"covariate stored constant", [](BSNSettings&, Vars& v) { v.Get(1).SetRange(2, 2); }, 410012},
         {"one-category factor only",
-         [](BSNSettings& s, MCXML_850::MCVarList& v) {
-             v.Get(1).SetRange(2, 2);
-             s.SetFactors({2});
-             s.SetFactorNCategs({1});
-         },
-         410012},
-        {"covariate constant in the data (after the pass)", [](BSNSettings&, MCXML_850::MCVarList&) {}, 410012},
+         [](BSNSettings& s, Vars& v) { v.Get(1).SetRange(2, 2); s.SetFactors({2}); s.SetFactorNCategs({1}); }, 410012},
+        {"covariate constant in the data (after the pass)", [](BSNSettings&, Vars&) {}, 410012},
         {"two categories, a usable predictor",
-         [](BSNSettings& s, MCXML_850::MCVarList&) {
-             s.SetCovariates({});
-             s.SetFactors({2});
-             s.SetFactorNCategs({2});
-         },
-         0},
+         [](BSNSettings& s, Vars&) { s.SetCovariates({}); s.SetFactors({2}); s.SetFactorNCategs({2}); }, 0},
     };
     for (const auto& c : cases) {
         BSNSettings s = regression(0, {1});
-        MCXML_850::MCVarList v = ScaleVars(3, {2});
+        Vars v = ScaleVars(3, {2});
         c.setup(s, v);
         RegrRun run(s, cols, v);
         EXPECT_EQ(run.status.GetCode(), c.code) << c.what;
@@ -283,25 +250,26 @@ TEST(RegressionFit, ErrorsBeforeAndAfterThePass) {
 }
 
 TEST(RegressionFit, ParameterLimits) {
-    // 4999 parameters pass the check (and meet the empty data); 5000 do not.
-    for (int size : {4997, 4998}) {
+    // 4999 parameters pass the check (and meet the empty data); 5000 do not. The full model's limit
+    // counts categories and covariates: 5000 drops the Bayes factor with 410058, 4999 does not.
+    for (const auto& [full, size] : std::vector<std::pair<bool, int>>{{0, 4997}, {0, 4998}, {1, 4998}, {1, 4999}}) {
         BSNSettings s = regression(0, {2});
-        s.SetFactors({1});
-        s.SetFactorNCategs({size});
+        if (full) {
+            s.SetAnalysType(BC::BayesFactor);
+            s.SetCompareType(BC::CompareFull);
+            s.SetFullModFactors({1});
+            s.SetFullModFactorNCategs({size});
+            s.SetFullModCovariates({2});
+        } else {
+            s.SetFactors({1});
+            s.SetFactorNCategs({size});
+        }
         RegrRun run(s, {{}, {}, {}}, ScaleVars(3, {1}));
-        EXPECT_EQ(run.status.GetCode(), size == 4997 ? 410003 : 410057) << size;
-    }
-    // The full model's limit counts categories and covariates: 5000 drops the
-    // Bayes factor with 410058, 4999 does not.
-    for (int size : {4998, 4999}) {
-        BSNSettings s = regression(0, {2});
-        s.SetAnalysType(BC::BayesFactor);
-        s.SetCompareType(BC::CompareFull);
-        s.SetFullModFactors({1});
-        s.SetFullModFactorNCategs({size});
-        s.SetFullModCovariates({2});
-        RegrRun run(s, {{}, {}, {}}, ScaleVars(3, {1}));
-        EXPECT_EQ(run.Count(410058), size == 4999 ? 1 : 0) << size;
+        if (full) {
+            EXPECT_EQ(run.Count(410058), size == 4999 ? 1 : 0) << size;
+        } else {
+            EXPECT_EQ(run.status.GetCode(), size == 4997 ? 410003 : 410057) << size;
+        }
     }
 }
 
@@ -320,8 +288,7 @@ TEST(RegressionFit, PerfectFitAndFewCases) {
         EXPECT_EQ(MCMV::IsMissing(run.result().GetBayesFactor()), method != BC::Zellner);
         EXPECT_FALSE(run.result().IsLogBayesFactor());
     }
-    // Fewer cases than parameters: k falls to N, residual df 0, no mean
-    // square and no F.
+    // Fewer cases than parameters: k falls to N, residual df 0, no mean square and no F.
     RegrRun few(regression(0, {1, 2, 3}), {{1, 4, 2}, {0, 1, 3}, {5, 2, 2}, {1, 1, 7}});
     ASSERT_TRUE(few.status.IsOK()) << few.status.GetCode();
     const auto& a = few.result().GetAnova();
@@ -333,12 +300,7 @@ TEST(RegressionFit, PerfectFitAndFewCases) {
 }
 
 TEST(RegressionFit, FTestWarnings) {
-    struct Case {
-        std::vector<int> predictors;
-        bool intercept;
-        std::vector<double> values;
-        int warning;
-    };
+    struct Case { std::vector<int> predictors; bool intercept; std::vector<double> values; int warning; };
     // Predictors: factor v3 (3 categories, the last redundant), covariates v1, v2.
     const std::vector<Case> cases = {
         {{1}, false, {0.5, 0.1}, 410043},  // two values for one parameter
@@ -350,7 +312,6 @@ TEST(RegressionFit, FTestWarnings) {
     };
     for (const auto& c : cases) {
         BSNSettings s = smallSettings();
-        s.SetPriorType(BC::Reference);
         MCBSN_850::BayesFTest t;
         t.SetPredictors(c.predictors);
         t.SetUseIntercept(c.intercept);

@@ -7,6 +7,15 @@ using namespace scoringtest;
 
 namespace {
 
+const char* const kParts[] = {"mode", "mean", "variance", "lower", "upper"};
+
+// Mean, variance, lower and upper limit of `actual` against `expected`.
+void expectSameScore(const std::array<double, 5>& actual, const std::array<double, 5>& expected,
+                     const std::string& what) {
+    for (std::size_t k = 1; k < 5; ++k)
+        expectRel(actual[k], expected[k], k == 1 ? 1e-10 : 1e-9, what + " " + kParts[k]);
+}
+
 void expectScoresMatchR(const BSNMultiRegOutputStats& r, const std::string& model) {
     const auto& ref = scoringReference();
     const auto training = readColumns("regr_small.csv");
@@ -19,12 +28,9 @@ void expectScoresMatchR(const BSNMultiRegOutputStats& r, const std::string& mode
     }
     const auto fresh = readColumns("scoring_new.csv");
     for (std::size_t i = 0; i < fresh[0].size(); ++i) {
-        const std::string what = model + " new record " + std::to_string(i);
-        const auto e = score(r, row(fresh, i));
-        expectRel(e.GetMean(), ref.at(model + "_new_fit")[i], 1e-10, what + " mean");
-        expectRel(e.GetVariance(), ref.at(model + "_new_var")[i], 1e-9, what + " variance");
-        expectRel(e.GetLower(), ref.at(model + "_new_lower")[i], 1e-9, what + " lower");
-        expectRel(e.GetUpper(), ref.at(model + "_new_upper")[i], 1e-9, what + " upper");
+        const auto at = [&](const char* key) { return ref.at(model + "_new_" + key)[i]; };
+        expectSameScore(parts(score(r, row(fresh, i))), {kMiss, at("fit"), at("var"), at("lower"), at("upper")},
+                        model + " new record " + std::to_string(i));
     }
 }
 
@@ -49,8 +55,7 @@ TEST(Scoring, AgreesWithLmAndRecordsThatDoNotExpandLeaveEveryScoreMissing) {
         for (const auto& [column, value] : spoilers) {
             auto v = good;
             v[static_cast<std::size_t>(column)] = value;
-            const auto e = score(run.result(), v);
-            for (double x : {e.GetMode(), e.GetMean(), e.GetVariance(), e.GetLower(), e.GetUpper()})
+            for (double x : parts(score(run.result(), v)))
                 EXPECT_TRUE(MCMV::IsMissing(x)) << model << " column " << column << " = " << value;
         }
     }
@@ -60,9 +65,11 @@ TEST(Scoring, DenseAndSparseDesignsScoreTheSame) {
     // B (y ~ h + x1) expands sparse rows. Two constant covariates make the
     // rows dense (2 x 4 effects is not below 8 parameters) but leave the
     // model as it was: both are collinear with the intercept and redundant.
-    auto cols = readColumns("regr_small.csv");
-    cols.push_back(std::vector<double>(cols[0].size(), 5.0));
-    cols.push_back(std::vector<double>(cols[0].size(), -2.5));
+    auto cols = readColumns("regr_small.csv"), fresh = readColumns("scoring_new.csv");
+    for (auto* table : {&cols, &fresh}) {
+        table->push_back(std::vector<double>((*table)[0].size(), 5.0));
+        table->push_back(std::vector<double>((*table)[0].size(), -2.5));
+    }
     BSNSettings sparse = modelSettings('B');
     BSNSettings dense = sparse;
     dense.SetCovariates({kX1, kNColumns, kNColumns + 1});
@@ -73,45 +80,21 @@ TEST(Scoring, DenseAndSparseDesignsScoreTheSame) {
     ASSERT_TRUE(a.result().IsSparse());
     ASSERT_FALSE(b.result().IsSparse());
     EXPECT_EQ(b.result().GetRedundancy(), (std::vector<bool>{false, false, false, false, true, false, true, true}));
-    auto fresh = readColumns("scoring_new.csv");
-    fresh.push_back(std::vector<double>(fresh[0].size(), 5.0));
-    fresh.push_back(std::vector<double>(fresh[0].size(), -2.5));
-    for (const auto* table : {&cols, &fresh}) {
-        for (std::size_t i = 0; i < (*table)[0].size(); ++i) {
-            const auto x = score(a.result(), row(*table, i)), y = score(b.result(), row(*table, i));
-            const std::string what = "record " + std::to_string(i);
-            expectRel(y.GetMean(), x.GetMean(), 1e-10, what + " mean");
-            expectRel(y.GetVariance(), x.GetVariance(), 1e-9, what + " variance");
-            expectRel(y.GetLower(), x.GetLower(), 1e-9, what + " lower");
-            expectRel(y.GetUpper(), x.GetUpper(), 1e-9, what + " upper");
-        }
-    }
+    for (const auto* table : {&cols, &fresh})
+        for (std::size_t i = 0; i < (*table)[0].size(); ++i)
+            expectSameScore(parts(score(b.result(), row(*table, i))), parts(score(a.result(), row(*table, i))),
+                            "record " + std::to_string(i));
 }
 
 TEST(Scoring, PosteriorPartsFollowThePosteriorAndTheSetting) {
     const auto& regr = readReference("regr_reference.csv");
     // The record of the regression tests' prediction: g = 1, x1 = 1.5, x2 = 9.
-    std::vector<double> x0(kNColumns, kMiss);
-    x0[kG] = 1;
-    x0[kX1] = 1.5;
-    x0[kX2] = 9;
-
+    const std::vector<double> x0 = {kMiss, 1.5, 9, 1, kMiss, kMiss, kMiss};
     BSNSettings conj = modelSettings('A');
-    conj.SetPriorType(BC::Conjugate);
-    conj.SetPriorShape(3);
-    conj.SetPriorScale(2);
-    conj.SetPriorMeans({1, 0.5, -0.5, 123.0, 0.7, -0.2});
-    conj.SetPriorCovMatrix({4, 0.5, 2, 0.2, 0.1, 3, 0, 0, 0, 1, 0.3, 0, 0.1, 0, 1.5, 0.1, 0, 0, 0, 0.2, 0.8});
-    BSNSettings ref = modelSettings('A');
-
-    const struct {
-        const char* name;
-        BSNSettings settings;
-        const char* key;  // the reference numbers of the prediction
-    } cases[] = {
-        {"conjugate", conj, "conj_pred"},
-        {"reference", ref, "ref_pred"},
-    };
+    setConjugatePrior(conj);
+    // key: the reference numbers of the prediction.
+    const struct { const char* name; BSNSettings settings; const char* key; } cases[] = {
+        {"conjugate", conj, "conj_pred"}, {"reference", modelSettings('A'), "ref_pred"}};
     for (const auto& c : cases) {
         const auto& expected = regr.at(c.key);
         for (const bool variances : {true, false}) {
@@ -119,19 +102,12 @@ TEST(Scoring, PosteriorPartsFollowThePosteriorAndTheSetting) {
             s.SetComputeVarianceInScoring(variances);
             RegrRun run(s, readColumns("regr_small.csv"), ScaleVars(kNColumns, {kG, kH}));
             ASSERT_TRUE(run.status.IsOK()) << c.name;
-            const auto e = score(run.result(), x0);
+            const auto e = parts(score(run.result(), x0));
             const std::string what = std::string(c.name) + (variances ? " with" : " without") + " variances";
-            expectRel(e.GetMode(), expected[0], 1e-10, what + ": mode");
-            expectRel(e.GetMean(), expected[0], 1e-10, what + ": mean");
-            if (variances) {
-                expectRel(e.GetVariance(), expected[1], 1e-9, what + ": variance");
-                expectRel(e.GetLower(), expected[2], 1e-9, what + ": lower");
-                expectRel(e.GetUpper(), expected[3], 1e-9, what + ": upper");
-            } else {
-                EXPECT_TRUE(MCMV::IsMissing(e.GetVariance())) << what;
-                EXPECT_TRUE(MCMV::IsMissing(e.GetLower())) << what;
-                EXPECT_TRUE(MCMV::IsMissing(e.GetUpper())) << what;
-            }
+            expectRel(e[0], expected[0], 1e-10, what + ": mode");
+            expectRel(e[1], expected[0], 1e-10, what + ": mean");
+            if (variances) expectSameScore(e, {kMiss, expected[0], expected[1], expected[2], expected[3]}, what);
+            for (std::size_t k = 2; k < 5 && !variances; ++k) EXPECT_TRUE(MCMV::IsMissing(e[k])) << what << kParts[k];
         }
     }
 
@@ -142,10 +118,8 @@ TEST(Scoring, PosteriorPartsFollowThePosteriorAndTheSetting) {
     RegrRun run(bfOnly, readColumns("regr_small.csv"), ScaleVars(kNColumns, {kG, kH}));
     ASSERT_TRUE(run.status.IsOK());
     ASSERT_FALSE(run.result().HasPosterior());
-    const auto e = score(run.result(), x0);
-    expectRel(e.GetMean(), scoringReference().at("A_new_fit")[0], 1e-10, "least squares");
-    EXPECT_EQ(e.GetMode(), e.GetMean());
-    EXPECT_TRUE(MCMV::IsMissing(e.GetVariance()));
-    EXPECT_TRUE(MCMV::IsMissing(e.GetLower()));
-    EXPECT_TRUE(MCMV::IsMissing(e.GetUpper()));
+    const auto e = parts(score(run.result(), x0));
+    expectRel(e[1], scoringReference().at("A_new_fit")[0], 1e-10, "least squares");
+    EXPECT_EQ(e[0], e[1]);
+    for (std::size_t k = 2; k < 5; ++k) EXPECT_TRUE(MCMV::IsMissing(e[k])) << kParts[k];
 }

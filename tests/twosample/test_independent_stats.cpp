@@ -1,11 +1,8 @@
 // The independent-samples data pass: the per-group accumulators, group
 // coding, weights and the procedure's own messages.
-#include <gtest/gtest.h>
 
-#include <cmath>
 #include <limits>
-#include <string>
-#include <vector>
+#include <tuple>
 
 #include "bsn/twosample/bsn2samplecontstats.h"
 #include "bsn/twosample/bsn2sampleindbasicstats.h"
@@ -17,26 +14,21 @@ using MCBSN_850::BSN2SampleContStats;
 using MCBSN_850::BSN2SampleIndBasicStats;
 
 TEST(IndependentStats, AccumulatorWeightsMeanByBothWeightsAndVarianceByFrequencies) {
-    // Weighted: the mean is weighted by f w, the divisor is sum(f) - 1.
+    // The mean is weighted by f c; the variance's divisor is sum(f) - 1.
     BSN2SampleContStats w;
-    const std::vector<double> wx = {2.0, 5.0, 9.0}, f = {2.0, 1.0, 3.0}, c = {0.5, 4.0, 1.5};
-    double sc = 0, scx = 0;
-    for (std::size_t i = 0; i < wx.size(); ++i) {
-        EXPECT_TRUE(w.Update(wx[i], f[i], c[i]));
-        sc += f[i] * c[i];
-        scx += f[i] * c[i] * wx[i];
+    const std::vector<double> x = {2.0, 5.0, 9.0}, f = {2.0, 1.0, 3.0}, c = {0.5, 4.0, 1.5};
+    std::vector<double> fc;
+    for (std::size_t i = 0; i < x.size(); ++i) {
+        EXPECT_TRUE(w.Update(x[i], f[i], c[i]));
+        fc.push_back(f[i] * c[i]);
     }
-    const double mean = scx / sc;
-    double d = 0;
-    for (std::size_t i = 0; i < wx.size(); ++i) d += f[i] * c[i] * (wx[i] - mean) * (wx[i] - mean);
+    const Moments m = moments(x, fc);
+    for (const auto& [v, fw, cw] : {std::tuple{kMiss, 1.0, 1.0}, {1.0, 1.0, 0.0}, {1.0, 0.0, 1.0}})
+        EXPECT_FALSE(w.Update(v, fw, cw)) << v << " " << fw << " " << cw;
     EXPECT_EQ(w.GetSumFreqWeights(), 6.0);
-    EXPECT_DOUBLE_EQ(w.GetSumCombinedWeights(), sc);
-    EXPECT_NEAR(w.GetMean(), mean, 1e-14);
-    EXPECT_NEAR(w.GetVariance(), d / 5.0, 1e-13);
-    EXPECT_FALSE(w.Update(kMiss, 1.0, 1.0));
-    EXPECT_FALSE(w.Update(1.0, 1.0, 0.0));
-    EXPECT_FALSE(w.Update(1.0, 0.0, 1.0));
-    EXPECT_EQ(w.GetSumFreqWeights(), 6.0);
+    EXPECT_DOUBLE_EQ(w.GetSumCombinedWeights(), m.n);
+    EXPECT_NEAR(w.GetMean(), m.mean, 1e-14);
+    EXPECT_NEAR(w.GetVariance(), m.var * (m.n - 1) / 5.0, 1e-13);
 
     // One case: mean but no variance; none: neither.
     BSN2SampleContStats one;
@@ -47,33 +39,28 @@ TEST(IndependentStats, AccumulatorWeightsMeanByBothWeightsAndVarianceByFrequenci
 }
 
 TEST(IndependentStats, BasicStatsRoundFrequenciesAndDropUnusableWeights) {
-    const std::vector<int> vars = {0, 1};
-    BSN2SampleIndBasicStats s(vars);
+    const std::vector<int> vars = {0, 1};  // the accumulators keep a pointer to it
+    BSN2SampleIndBasicStats s(vars), big(vars);
     const double r1[] = {2.0, 5.0}, r2[] = {4.0, kMiss}, r3[] = {6.0, 7.0};
     const MCCommon_850::Record a(r1, 2), b(r2, 2), c(r3, 2);
-    EXPECT_TRUE(s.Update(a, 1.5, 1.0));    // rounds to 2
-    EXPECT_FALSE(s.Update(b, 0.4, 1.0));   // rounds to 0
-    EXPECT_FALSE(s.Update(b, -3.0, 1.0));  // negative
-    EXPECT_FALSE(s.Update(b, kMiss, 1.0));
-    EXPECT_FALSE(s.Update(b, 1.0, 0.0));   // case weight 0
-    EXPECT_FALSE(s.Update(b, 1.0, -2.0));
-    EXPECT_FALSE(s.Update(b, 1.0, kMiss));
-    EXPECT_TRUE(s.Update(b, 2.49, 1.0));   // rounds to 2; its second value is missing
+    EXPECT_TRUE(s.Update(a, 1.5, 1.0));  // rounds to 2
+    // Frequencies rounding to 0, negative or missing; case weights 0, negative or missing.
+    for (const auto& [f, cw] : {std::pair{0.4, 1.0}, {-3.0, 1.0}, {kMiss, 1.0}, {1.0, 0.0}, {1.0, -2.0}, {1.0, kMiss}})
+        EXPECT_FALSE(s.Update(b, f, cw)) << f << " " << cw;
+    EXPECT_TRUE(s.Update(b, 2.49, 1.0));  // rounds to 2; its second value is missing
     s.Update(c);
     EXPECT_EQ(s.GetNWeightedCases(), (std::vector<double>{5.0, 3.0}));
     EXPECT_EQ(s.GetNWeightedIntCases(), (std::vector<int>{5, 3}));
     EXPECT_NEAR(s.GetMeans()[1], (2 * 5.0 + 7.0) / 3.0, 1e-14);
 
     // Sums beyond the int range saturate instead of wrapping.
-    BSN2SampleIndBasicStats big(vars);
     big.Update(a, 3e9, 1.0);
     EXPECT_EQ(big.GetNWeightedIntCases()[0], std::numeric_limits<int>::max());
     EXPECT_EQ(big.GetStdErrors()[0], 0.0);  // 3e9 copies of one value
 }
 
 TEST(IndependentStats, GroupCodingAndWeightsThroughTheProcedure) {
-    // Column 0 the test variable, 1 the group, 2 the frequency weight, 3 a
-    // separate regression-weight column whose values must not be used.
+    // Columns: variable, group, frequency weight, a regression weight that must not be used.
     const std::vector<double> x = {1.0, 2.0, 3.0, 4.0, 5.0, 6.0, 7.0, 8.0, 9.0, 10.0, 11.0, 12.0};
     const std::vector<double> g = {0, 1, 0, 1, 2, -1, 0.5, kMiss, 0, 1, 0, 1};
     const std::vector<double> f = {1, 2, 3, 1, 5, 5, 5, 5, 0.4, 1, 1.6, -1};
@@ -81,16 +68,15 @@ TEST(IndependentStats, GroupCodingAndWeightsThroughTheProcedure) {
 
     struct Case {
         const char* what;
-        int freq, regr;
+        int freq, regr, n0;                  // n0: the first group's (frequency) count
         std::vector<double> x0, w0, x1, w1;  // the cases each group should hold, with weights
     };
     const std::vector<Case> cases = {
-        {"unweighted", -1, -1, {1, 3, 9, 11}, {1, 1, 1, 1}, {2, 4, 10, 12}, {1, 1, 1, 1}},
+        {"unweighted", -1, -1, 4, {1, 3, 9, 11}, {1, 1, 1, 1}, {2, 4, 10, 12}, {1, 1, 1, 1}},
         // 0.4 rounds to 0 and -1 is not positive: those cases are dropped.
-        {"frequency", 2, -1, {1, 3, 11}, {1, 3, 2}, {2, 4, 10}, {2, 1, 1}},
-        // The case weight is read at the frequency field, so each case
-        // weighs f * f_raw in the mean.
-        {"frequency and case weights", 2, 3, {1, 3, 11}, {1, 9, 3.2}, {2, 4, 10}, {4, 1, 1}},
+        {"frequency", 2, -1, 6, {1, 3, 11}, {1, 3, 2}, {2, 4, 10}, {2, 1, 1}},
+        // The case weight is read at the frequency field: each case weighs f * f_raw in the mean.
+        {"frequency and case weights", 2, 3, 6, {1, 3, 11}, {1, 9, 3.2}, {2, 4, 10}, {4, 1, 1}},
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(c.what);
@@ -99,85 +85,55 @@ TEST(IndependentStats, GroupCodingAndWeightsThroughTheProcedure) {
         if (c.regr >= 0) s.SetRegrWeightVar(c.regr);
         NormalRun r(s, {x, g, f, rw});
         ASSERT_TRUE(r.status.IsOK()) << r.status.GetCode();
-        const auto& o = output(r);
-        auto weightedMean = [](const std::vector<double>& v, const std::vector<double>& w) {
-            double sw = 0, swx = 0;
-            for (std::size_t i = 0; i < v.size(); ++i) {
-                sw += w[i];
-                swx += w[i] * v[i];
-            }
-            return swx / sw;
-        };
-        EXPECT_NEAR(o.GetGroup1MeanValues()[0], weightedMean(c.x0, c.w0), 1e-13);
-        EXPECT_NEAR(o.GetGroup2MeanValues()[0], weightedMean(c.x1, c.w1), 1e-13);
-        const int n0 = c.what == std::string("frequency and case weights") ? 6 : static_cast<int>(
-            std::lround(c.freq < 0 ? c.w0.size() : c.w0[0] + c.w0[1] + c.w0[2]));
-        EXPECT_EQ(o.GetGroup1StatsNs()[0], n0);
+        EXPECT_NEAR(output(r).GetGroup1MeanValues()[0], moments(c.x0, c.w0).mean, 1e-13);
+        EXPECT_NEAR(output(r).GetGroup2MeanValues()[0], moments(c.x1, c.w1).mean, 1e-13);
+        EXPECT_EQ(output(r).GetGroup1StatsNs()[0], c.n0);
     }
 
-    // A regression-weight field alone: the weight is read at the (absent)
-    // frequency field, so every case is dropped.
+    // A regression weight alone is read at the absent frequency field: every case is dropped.
     BSNSettings s = indepSettings({0}, 1, BC::BayesFactor);
     s.SetRegrWeightVar(3);
     NormalRun r(s, {x, g, f, rw});
-    EXPECT_EQ(output(r).GetGroup1StatsNs()[0], 0);
-    EXPECT_EQ(output(r).GetGroup2StatsNs()[0], 0);
+    EXPECT_EQ(std::pair(output(r).GetGroup1StatsNs()[0], output(r).GetGroup2StatsNs()[0]), std::pair(0, 0));
     EXPECT_EQ(r.count(410030), 1);
 }
 
 TEST(IndependentStats, MessagesOfTheDataPass) {
     const std::vector<double> x = {1, 2, 3, 4, 5}, g = {0, 1, 0, 1, 0};
-    {
-        BSNSettings none;
-        none.SetModelType(BC::Independent, true);
-        none.SetCovariates({0});
-        NormalRun r(none, {x, g});
-        EXPECT_EQ(r.status.GetCode(), 410040);
-        EXPECT_TRUE(r.status.IsError());
-        EXPECT_FALSE(r.component.IsModelBuilt());
+    // No group variable; no test variables.
+    for (const auto& [s, code] : {std::pair{indepSettings({0}, -1), 410040}, {indepSettings({}, 1), 410039}}) {
+        NormalRun r(s, {x, g});
+        EXPECT_EQ(r.status.GetCode(), code);
+        EXPECT_TRUE(r.status.IsError()) << code;
+        EXPECT_FALSE(r.component.IsModelBuilt()) << code;
+        EXPECT_EQ(r.component.GetOutputStats(), nullptr) << code;
     }
-    {
-        NormalRun r(indepSettings({}, 1), {x, g});
-        EXPECT_EQ(r.status.GetCode(), 410039);
-        EXPECT_EQ(r.component.GetOutputStats(), nullptr);
-    }
-    {
-        // Variable 1 has only two cases in all: 410030 (no datum), and the
-        // Bayes-factor stage still runs for the other variable.
-        const std::vector<double> y = {kMiss, 7.0, kMiss, kMiss, 3.0};
-        NormalRun r(indepSettings({0, 2}, 1, BC::BayesFactor), {x, g, y});
-        ASSERT_TRUE(r.status.IsOK());
-        EXPECT_EQ(r.count(410030), 1);
-        EXPECT_FALSE(r.component.GetWarningMessages().Get(0).HasDiscreteDatum(0));
-        const auto& o = output(r);
-        EXPECT_FALSE(MCMV::IsMissing(o.GetTValues()[0]));
-        EXPECT_TRUE(MCMV::IsMissing(o.GetTValues()[1]));
-        EXPECT_TRUE(MCMV::IsMissing(o.GetBayesFactors()[1]));
-    }
+    // Variable 1 has two cases in all: 410030 (no datum); the other variable still gets its factor.
+    const std::vector<double> y = {kMiss, 7.0, kMiss, kMiss, 3.0};
+    NormalRun r(indepSettings({0, 2}, 1, BC::BayesFactor), {x, g, y});
+    ASSERT_TRUE(r.status.IsOK());
+    EXPECT_EQ(r.count(410030), 1);
+    EXPECT_FALSE(r.component.GetWarningMessages().Get(0).HasDiscreteDatum(0));
+    EXPECT_FALSE(MCMV::IsMissing(output(r).GetTValues()[0]));
+    EXPECT_TRUE(MCMV::IsMissing(output(r).GetTValues()[1]) && MCMV::IsMissing(output(r).GetBayesFactors()[1]));
 }
 
 TEST(IndependentStats, CancellationAndProgress) {
-    std::vector<double> x(120), g(120);
-    for (int i = 0; i < 120; ++i) {
-        x[i] = i * 0.5;
-        g[i] = i % 2;
-    }
+    std::vector<double> x, g;
+    for (int i = 0; i < 120; ++i) x.push_back(i * 0.5), g.push_back(i % 2);
     BSNSettings s = indepSettings({0}, 1);
     s.SetProgressFrequency(50);
-    MCCommon_850::MCAtomicCancel never;
-    CancellingListener listener(never, 1000);
+    bsntest::RecordCounts listener;
     s.SetProgressListener(&listener);
     NormalRun r(s, {x, g});
     ASSERT_TRUE(r.status.IsOK());
-    EXPECT_EQ(listener.records, (std::vector<int>{50, 100, 120}));
+    EXPECT_EQ(listener.counts, (std::vector<int>{50, 100, 120}));
 
     MCCommon_850::MCAtomicCancel cancel;
     CancellingListener stopper(cancel, 1);
-    s.SetProgressListener(&stopper);
-    s.SetCancelPointer(&cancel);
+    s.SetProgressListener(&stopper); s.SetCancelPointer(&cancel);
     NormalRun c(s, {x, g});
-    EXPECT_EQ(c.status.GetCode(), 1);
-    EXPECT_TRUE(c.status.IsError());
+    EXPECT_TRUE(c.status.IsError() && c.status.GetCode() == 1);
     EXPECT_FALSE(c.component.IsModelBuilt());
     EXPECT_EQ(c.component.GetOutputStats(), nullptr);
 }

@@ -1,6 +1,5 @@
 #pragma once
-// Shared pieces of the independent-samples tests: settings, reading the
-// reference tables under tests/data, and the result of a run.
+// Shared pieces of the independent-samples tests: settings, columns, tables under tests/data.
 #include <fstream>
 #include <map>
 #include <sstream>
@@ -18,9 +17,7 @@ using MCBSN_850::BSN2SampleIndOutputStats;
 // Model type 2 over test variables `vars`, groups in column `group`.
 inline BSNSettings indepSettings(std::vector<int> vars, int group, BC::AnalysTypes type = BC::Both) {
     BSNSettings s;
-    s.SetModelType(BC::Independent, true);
-    s.SetAnalysType(type);
-    s.SetCovariates(vars);
+    s.SetModelType(BC::Independent, true); s.SetAnalysType(type); s.SetCovariates(vars);
     s.SetGroupVar(group);
     return s;
 }
@@ -30,17 +27,13 @@ inline std::vector<std::vector<double>> groupColumns(const std::vector<double>& 
                                                      double offset = 0.0) {
     std::vector<std::vector<double>> cols(2);
     for (int g = 0; g < 2; ++g)
-        for (double v : g == 0 ? g0 : g1) {
-            cols[0].push_back(v + offset);
-            cols[1].push_back(g);
-        }
+        for (double v : g == 0 ? g0 : g1) cols[0].push_back(v + offset), cols[1].push_back(g);
     return cols;
 }
 
 inline const BSN2SampleIndOutputStats& output(const NormalRun& r) { return r.result<BSN2SampleIndOutputStats>(); }
 
-// A CSV table under tests/data: one map from column name to text per row
-// (a trailing empty field counts).
+// A CSV table under tests/data: a map from column name to text per row.
 inline std::vector<std::map<std::string, std::string>> readTable(const std::string& name) {
     std::ifstream in(std::string(BSN_SOURCE_DIR) + "/tests/data/" + name);
     auto split = [](std::string text) {
@@ -52,14 +45,13 @@ inline std::vector<std::map<std::string, std::string>> readTable(const std::stri
     };
     std::vector<std::map<std::string, std::string>> rows;
     std::string line;
-    if (!std::getline(in, line)) return rows;
+    std::getline(in, line);
     const std::vector<std::string> header = split(line);
     while (std::getline(in, line)) {
-        if (line.empty() || line == "\r") continue;
         const std::vector<std::string> cells = split(line);
-        std::map<std::string, std::string> row;
-        for (std::size_t i = 0; i < header.size(); ++i) row[header[i]] = i < cells.size() ? cells[i] : "";
-        rows.push_back(row);
+        if (cells.size() < 2) continue;  // a blank line
+        rows.emplace_back();
+        for (std::size_t i = 0; i < header.size(); ++i) rows.back()[header[i]] = i < cells.size() ? cells[i] : "";
     }
     return rows;
 }

@@ -1,11 +1,7 @@
-// The related-samples procedure through the component: difference
-// statistics over the cases where both members of a pair are present, the
-// t test on the differences, the wiring of the shared Bayes factor and
+// The related-samples procedure: difference statistics over the complete
+// pairs, the t test on them, the wiring of the shared Bayes factor and
 // posterior, and its own messages.
-#include <gtest/gtest.h>
-
-#include <cmath>
-#include <vector>
+#include <tuple>
 
 #include "bsn/twosample/bsn2samplerelatedoutputstats.h"
 #include "tests/onesample/normaltestsupport.h"
@@ -17,32 +13,16 @@ namespace {
 
 BSNSettings relatedSettings(std::vector<int> first, std::vector<int> second, BC::AnalysTypes type) {
     BSNSettings s;
-    s.SetModelType(BC::Related, false);
-    s.SetAnalysType(type);
-    s.SetCovariates(first);
-    s.Set2ndRelatedList(second);
-    s.SetMeanDistType(BC::Diffuse);
-    s.SetPriorDistType(BC::Jeffreys2);
+    s.SetModelType(BC::Related, false); s.SetAnalysType(type); s.SetCovariates(first);
+    s.Set2ndRelatedList(second); s.SetMeanDistType(BC::Diffuse); s.SetPriorDistType(BC::Jeffreys2);
     s.SetEstBFType(BC::Simple);
     return s;
 }
 
 const BSN2SampleRelatedOutputStats& output(const NormalRun& r) { return r.result<BSN2SampleRelatedOutputStats>(); }
 
-// Differences first - second over the rows where both are present, with
-// their weights.
-void differences(const std::vector<double>& a, const std::vector<double>& b, const std::vector<double>& w,
-                 std::vector<double>& d, std::vector<double>& dw) {
-    for (std::size_t i = 0; i < a.size(); ++i) {
-        if (MCMV::IsMissing(a[i]) || MCMV::IsMissing(b[i]) || w[i] == 0) continue;
-        d.push_back(a[i] - b[i]);
-        dw.push_back(w[i]);
-    }
-}
-
 // Counts how often the procedure touches the records.
-class CountingIter : public MCCommon_850::ColumnRecordIter {
-public:
+struct CountingIter : MCCommon_850::ColumnRecordIter {
     using ColumnRecordIter::ColumnRecordIter;
     bool Advance() override {
         ++advances;
@@ -61,22 +41,24 @@ TEST(Related, DifferenceStatisticsTTestAndPosterior) {
     const std::vector<double> w = {1.0, 2.4, 1.0, 0.3, 1.0, 1.0, 3.0, 1.0};   // record 3 dropped (weight 0)
     const std::vector<double> rounded = {1, 2, 1, 0, 1, 1, 3, 1};
     BSNSettings s = relatedSettings({0, 2}, {1, 3}, BC::Both);
-    s.SetFrequencyWeightVar(4);
-    s.SetNullValues({0.5, 0.4});
-    s.SetAlterGValues({1.0, 3.0});
+    s.SetFrequencyWeightVar(4); s.SetNullValues({0.5, 0.4}); s.SetAlterGValues({1.0, 3.0});
     NormalRun r(s, {x1, y1, x2, y2, w});
     ASSERT_TRUE(r.status.IsOK()) << r.status.GetCode();
     EXPECT_TRUE(r.component.GetWarningMessages().IsEmpty());
     const auto& o = output(r);
 
-    // The statistics of the differences decide everything the shared
-    // normal-mean code computes from them; the lower limit shows they reach
-    // the posterior (Jeffreys 2: t with N - 1 df around the mean, scale^2
-    // s^2/N).
+    // The differences' statistics feed the shared normal-mean code; the lower
+    // limit shows they reach the posterior (Jeffreys 2: t, N - 1 df, scale^2 s^2/N).
     for (int p = 0; p < 2; ++p) {
         SCOPED_TRACE(p);
+        // The differences where both are present (weight 0 elsewhere).
+        const std::vector<double> &a = p == 0 ? x1 : x2, &b = p == 0 ? y1 : y2;
         std::vector<double> d, dw;
-        differences(p == 0 ? x1 : x2, p == 0 ? y1 : y2, rounded, d, dw);
+        for (std::size_t i = 0; i < a.size(); ++i) {
+            const bool both = !MCMV::IsMissing(a[i]) && !MCMV::IsMissing(b[i]);
+            d.push_back(both ? a[i] - b[i] : 0.0);
+            dw.push_back(both ? rounded[i] : 0.0);
+        }
         const Moments m = moments(d, dw);
         const double se = std::sqrt(m.var / m.n), t = (m.mean - s.GetNullValues()[p]) / se;
         EXPECT_DOUBLE_EQ(o.GetNs()[p], m.n);
@@ -85,8 +67,7 @@ TEST(Related, DifferenceStatisticsTTestAndPosterior) {
         EXPECT_NEAR(o.GetTValues()[p], t, 1e-10);
         EXPECT_NEAR(o.GetLowerLimits()[p], m.mean - bm::quantile(bm::students_t(m.n - 1), 0.975) * se, 1e-9);
     }
-    // Pair 2 is tested at its own mean: t = 0 and the Simple factor is
-    // sqrt(1 + N g).
+    // Pair 2 is tested at its own mean: t = 0 and the Simple factor is sqrt(1 + N g).
     EXPECT_NEAR(o.GetTValues()[1], 0.0, 1e-12);
     EXPECT_NEAR(o.GetBayesFactors()[1], std::sqrt(1.0 + o.GetNs()[1] * 3.0), 1e-10);
     EXPECT_GT(o.GetBayesFactors()[0], 0.0);
@@ -103,14 +84,11 @@ TEST(Related, ConstantAndEmptyPairs) {
     ASSERT_TRUE(r.status.IsOK()) << r.status.GetCode();
     const auto& o = output(r);
 
-    const auto& warnings = r.component.GetWarningMessages();
-    ASSERT_EQ(r.warningCodes(), (std::vector<int>{410028, 410028, 410029}));
-    EXPECT_EQ(warnings.Get(0).GetDiscreteDatum(0), 0);
-    EXPECT_EQ(warnings.Get(1).GetDiscreteDatum(0), 1);  // a variable paired with itself
-    EXPECT_EQ(warnings.Get(2).GetDiscreteDatum(0), 3);
+    std::vector<std::pair<int, int>> warnings;  // code and pair; pair 1 is a variable paired with itself
+    for (const auto& w : r.component.GetWarningMessages()) warnings.emplace_back(w.GetCode(), w.GetDiscreteDatum(0));
+    EXPECT_EQ(warnings, (std::vector<std::pair<int, int>>{{410028, 0}, {410028, 1}, {410029, 3}}));
 
-    // Constant differences: counts, mean and zero spread, but no t, factor
-    // or posterior.
+    // Constant differences: counts, mean and zero spread, but no t, factor or posterior.
     for (int p : {0, 1}) {
         const std::vector<double> got = {o.GetNs()[p],      o.GetDFValues()[p],      o.GetMeanValues()[p],
                                          o.GetStdDevs()[p], o.GetEMs()[p],           o.GetTValues()[p],
@@ -123,12 +101,10 @@ TEST(Related, ConstantAndEmptyPairs) {
                           &o.GetTValues(), &o.GetBayesFactors(), &o.GetPostMeanValues()})
         EXPECT_EQ((*v)[3], kMiss);
     // The ordinary pair is unaffected.
-    EXPECT_FALSE(MCMV::IsMissing(o.GetTValues()[2]));
-    EXPECT_FALSE(MCMV::IsMissing(o.GetPostMeanValues()[2]));
+    EXPECT_FALSE(MCMV::IsMissing(o.GetTValues()[2]) || MCMV::IsMissing(o.GetPostMeanValues()[2]));
 
-    // A difference constant but for the rounding of the stored values
-    // (second = first + 0.1 in floating point) is constant too, not a
-    // spread of 1e-16 that would give an absurd t.
+    // second = first + 0.1 in floating point is a constant difference too, not a spread
+    // of 1e-16 that would give an absurd t.
     std::vector<double> x = {7.7, 22.8, 78.0, 31.9, 43.8, 97.8}, y;
     for (double v : x) y.push_back(v + 0.1);
     NormalRun near(relatedSettings({0}, {1}, BC::Both), {x, y});
@@ -139,49 +115,37 @@ TEST(Related, ConstantAndEmptyPairs) {
 
 TEST(Related, ListErrorsNoRecordsAndCancellation) {
     const std::vector<std::vector<double>> cols = {{1, 2, 3, 4}, {2, 2, 5, 1}, {0, 1, 0, 1}};
-    {
-        // Lists of lengths 2 and 3: error before any record is read.
-        BSNSettings s = relatedSettings({0, 1, 2}, {1, 2, 0}, BC::Both);
-        s.SetCovariates({0, 1});
-        CountingIter iter(cols);
-        MCBSN_850::BSNComponent c(s, makeVarList(3));
+    // Lists of lengths 2 and 3, or none: error before any record is read.
+    BSNSettings lists = relatedSettings({0, 1, 2}, {1, 2, 0}, BC::Both);
+    lists.SetCovariates({0, 1});
+    CountingIter iter(cols);
+    for (const BSNSettings& bad : {lists, relatedSettings({}, {}, BC::Both)}) {
+        MCBSN_850::BSNComponent c(bad, makeVarList(3));
         EXPECT_TRUE(c.BuildModel(iter).IsError());
         EXPECT_EQ(c.GetStatus().GetCode(), 410019);
-        EXPECT_EQ(iter.advances, 0);
         EXPECT_EQ(c.GetOutputStats(), nullptr);
-
-        BSNSettings empty = relatedSettings({}, {}, BC::Both);
-        MCBSN_850::BSNComponent e(empty, makeVarList(3));
-        EXPECT_EQ(e.BuildModel(iter).GetCode(), 410019);
-        EXPECT_EQ(iter.advances, 0);
     }
-    {
-        NormalRun r(relatedSettings({0}, {1}, BC::Posterior), {std::vector<double>{}, std::vector<double>{}});
-        EXPECT_EQ(r.status.GetCode(), 410003);
-        EXPECT_EQ(r.component.GetOutputStats(), nullptr);
-    }
-    {
-        // A g list of the wrong length for a known-variance factor.
-        BSNSettings s = relatedSettings({0}, {1}, BC::BayesFactor);
-        s.SetDataVarVals({1.0});
-        s.SetAlterGValues({1.0, 2.0});
-        NormalRun r(s, cols);
-        EXPECT_EQ(r.status.GetCode(), 410019);
-        EXPECT_FALSE(r.component.IsModelBuilt());
+    EXPECT_EQ(iter.advances, 0);
+    // No records; a g list of the wrong length for a known-variance factor.
+    BSNSettings g = relatedSettings({0}, {1}, BC::BayesFactor);
+    g.SetDataVarVals({1.0}); g.SetAlterGValues({1.0, 2.0});
+    using Cols = std::vector<std::vector<double>>;
+    for (const auto& [s, data, code] : {std::tuple{relatedSettings({0}, {1}, BC::Posterior), Cols(2), 410003},
+                                        {g, cols, 410019}}) {
+        NormalRun r(s, data);
+        EXPECT_EQ(r.status.GetCode(), code);
+        EXPECT_FALSE(r.component.IsModelBuilt()) << code;
+        EXPECT_EQ(r.component.GetOutputStats(), nullptr) << code;
     }
     for (int frequency : {1, 100}) {
-        // Cancelled inside the pass (report after record 1) or right after
-        // it (final report): both end with the bare cancellation status.
+        // Cancelled inside the pass (after record 1) or at its final report: the bare cancellation.
         MCCommon_850::MCAtomicCancel cancel;
         CancellingListener listener(cancel, 1);
         BSNSettings s = relatedSettings({0}, {1}, BC::Both);
-        s.SetCancelPointer(&cancel);
-        s.SetProgressListener(&listener);
-        s.SetProgressFrequency(frequency);
+        s.SetCancelPointer(&cancel); s.SetProgressListener(&listener); s.SetProgressFrequency(frequency);
         s.SetAlterGValues({1.0});
         NormalRun r(s, cols);
-        EXPECT_TRUE(r.status.IsError());
-        EXPECT_EQ(r.status.GetCode(), 1);
+        EXPECT_TRUE(r.status.IsError() && r.status.GetCode() == 1);
         EXPECT_EQ(r.component.GetOutputStats(), nullptr);
         EXPECT_EQ(listener.records, std::vector<int>{frequency == 1 ? 1 : 4});
     }
@@ -190,18 +154,14 @@ TEST(Related, ListErrorsNoRecordsAndCancellation) {
 TEST(Related, AnalysisTypesFillOnlyTheirResults) {
     const std::vector<std::vector<double>> cols = {{1, 2, 3, 4, 5}, {2, 2, 5, 1, 3}};
     // Progress every 5 of 5 records: the end is not reported twice.
-    MCCommon_850::MCAtomicCancel cancel;
-    CancellingListener listener(cancel, 1000);
+    bsntest::RecordCounts listener;
     BSNSettings postOnly = relatedSettings({0}, {1}, BC::Posterior);
-    postOnly.SetProgressListener(&listener);
-    postOnly.SetProgressFrequency(5);
+    postOnly.SetProgressListener(&listener); postOnly.SetProgressFrequency(5);
     NormalRun post(postOnly, cols);
     ASSERT_TRUE(post.status.IsOK());
-    EXPECT_EQ(listener.records, (std::vector<int>{5}));
+    EXPECT_EQ(listener.counts, (std::vector<int>{5}));
     const auto& p = output(post);
-    EXPECT_TRUE(p.GetBayesFactors().empty());
-    EXPECT_TRUE(p.GetTValues().empty());
-    EXPECT_TRUE(p.GetSigs().empty());
+    for (const auto* v : {&p.GetBayesFactors(), &p.GetTValues(), &p.GetSigs()}) EXPECT_TRUE(v->empty());
     EXPECT_EQ(p.GetPostMeanValues().size(), 1u);
 
     BSNSettings s = relatedSettings({0}, {1}, BC::BayesFactor);
