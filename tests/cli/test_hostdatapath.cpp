@@ -176,3 +176,35 @@ TEST(HostDataPath, CtrlCIsHonouredInEveryPhase) {
     sigaction(SIGINT, nullptr, &now);
     EXPECT_EQ(now.sa_handler, SIG_DFL);
 }
+
+TEST(HostDataPath, CtrlCWhileWritingLeavesNoModelOutput) {
+    // The PMML document and the scores are output files like the others: a
+    // Ctrl-C at any question of the output phase leaves neither behind.
+    bsntest::TempDir dir;
+    const std::string examples = std::string(BSN_SOURCE_DIR) + "/examples/";
+    bsncli::RunOptions options;
+    options.settingsPath = examples + "regression.json";
+    options.dataPath = examples + "regression.csv";
+    options.scorePath = examples + "regression_new.csv";
+    options.pmmlPath = dir.Path("out/model.pmml");
+    options.scoresPath = dir.Path("out/scores.csv");
+    options.jsonPath = dir.Path("out/r.json");
+    std::filesystem::create_directories(dir.Path("out"));
+    CtrlCAt never(0);
+    options.cancel = &never;
+    ASSERT_EQ(bsntest::RunHost(options).code, 0);
+    EXPECT_EQ(filesUnder(dir.Path("out")), (std::set<std::string>{"model.pmml", "r.json", "scores.csv"}));
+    int inOutput = 0;
+    for (long k = never.calls; k > 0; --k, ++inOutput) {
+        std::filesystem::remove_all(dir.Path("out"));
+        std::filesystem::create_directories(dir.Path("out"));
+        CtrlCAt ctrlC(k);
+        options.cancel = &ctrlC;
+        const auto r = bsntest::RunHost(options);
+        ASSERT_EQ(r.code, 1) << k << ": " << r.err;
+        if (r.err.find("The analysis was cancelled while writing the output") == std::string::npos) break;
+        EXPECT_EQ(filesUnder(dir.Path("out")), std::set<std::string>{"r.json"}) << k;
+    }
+    // Asked before the PMML file, the scores file, the JSON file and the renames.
+    EXPECT_GE(inOutput, 4);
+}
