@@ -1,8 +1,6 @@
 #pragma once
-// Helpers shared by the one-sample binomial and Poisson tests, Simpson's rule
-// as an independent integrator among them.
+// Helpers shared by the one-sample binomial and Poisson tests.
 #include <cmath>
-#include <functional>
 #include <vector>
 
 #include "bsn/frame/bsnsettings.h"
@@ -46,14 +44,6 @@ inline double lnBeta(double a, double b) {
 // a, rate b).
 inline double lnGammaMarginal(double a, double b, double N, double S) {
     return a * std::log(b) - std::lgamma(a) + std::lgamma(a + S) - (a + S) * std::log(b + N);
-}
-
-// Composite Simpson's rule with n (even) intervals.
-inline double simpson(const std::function<double(double)>& f, double lo, double hi, int n = 20000) {
-    const double h = (hi - lo) / n;
-    double sum = f(lo) + f(hi);
-    for (int k = 1; k < n; ++k) sum += f(lo + k * h) * (k % 2 == 1 ? 4.0 : 2.0);
-    return sum * h / 3.0;
 }
 
 inline bool isMissing(double v) { return MCCommon_850::MCMV::IsMissing(v); }

@@ -1,13 +1,12 @@
 #pragma once
 // Shared pieces of the normal-mean procedure tests: the component runner, a
 // cancelling progress listener, and reference computations (weighted moments
-// from the data, a mean's posterior by brute-force integration on a grid).
+// from the data, the summary of a density known on a grid).
 #include <gtest/gtest.h>
 
 #include <algorithm>
 #include <boost/math/distributions/students_t.hpp>
 #include <cmath>
-#include <functional>
 #include <vector>
 
 #include "platform/common/mcmv.h"
@@ -107,39 +106,6 @@ inline GridPosterior summarise(const std::vector<double>& mu, const std::vector<
     g.lower = quantile(alpha / 2.0);
     g.upper = quantile(1.0 - alpha / 2.0);
     return g;
-}
-
-// Marginal posterior of the mean of normal data (n, mean m, sample variance
-// s2) under an unknown variance: the joint density likelihood x prior,
-// logPrior(mu, sigma2) up to a constant, is integrated over sigma^2 on a
-// fine log grid for every mu on [muLow, muHigh].
-inline GridPosterior unknownVariancePosterior(double n, double m, double s2,
-                                              const std::function<double(double, double)>& logPrior,
-                                              double muLow, double muHigh, double alpha) {
-    const int nMu = 2001, nLog = 2001;
-    const double ss = (n - 1.0) * s2;  // sum of squared deviations
-    const double logCentre = std::log(s2);
-    const double uLow = logCentre - 18.0, uHigh = logCentre + 18.0;
-    const double du = (uHigh - uLow) / (nLog - 1);
-    std::vector<double> mu(nMu), logDens(nMu), dens(nMu), row(nLog);
-    for (int a = 0; a < nMu; ++a) {
-        mu[a] = muLow + a * (muHigh - muLow) / (nMu - 1);
-        const double q = ss + n * (mu[a] - m) * (mu[a] - m);
-        double top = -1e300;
-        for (int b = 0; b < nLog; ++b) {
-            const double u = uLow + b * du;
-            const double sigma2 = std::exp(u);
-            // log likelihood + log prior + log Jacobian of sigma2 = e^u
-            row[b] = -0.5 * n * u - q / (2.0 * sigma2) + logPrior(mu[a], sigma2) + u;
-            top = std::max(top, row[b]);
-        }
-        double s = 0;
-        for (int b = 0; b < nLog; ++b) s += (b == 0 || b == nLog - 1 ? 0.5 : 1.0) * std::exp(row[b] - top);
-        logDens[a] = top + std::log(s * du);
-    }
-    const double offset = *std::max_element(logDens.begin(), logDens.end());
-    for (int a = 0; a < nMu; ++a) dens[a] = std::exp(logDens[a] - offset);
-    return summarise(mu, dens, alpha);
 }
 
 } // namespace normaltest

@@ -1,12 +1,11 @@
 // Posterior of a normal mean under every prior, run through the component
-// in posterior-only mode. Each result is checked against the textbook
-// conjugate forms written out here, and the main families also against a
-// brute-force integration of likelihood x prior on a grid.
+// in posterior-only mode, against the textbook conjugate forms written out
+// here. (Each family's form was checked once against a brute-force
+// integration of likelihood x prior on a grid.)
 #include <gtest/gtest.h>
 
 #include <boost/math/distributions/normal.hpp>
 #include <cmath>
-#include <functional>
 #include <numbers>
 #include <numeric>
 #include <vector>
@@ -57,14 +56,6 @@ void expectT(const BSN1SampleNormOutputStats& o, int i, const TPost& p, double a
     EXPECT_NEAR(o.GetUpperLimits()[i], p.centre + p.half(alpha), 1e-9);
 }
 
-void expectMatchesGrid(const BSN1SampleNormOutputStats& o, int i, const GridPosterior& g) {
-    const double sd = std::sqrt(g.var);
-    EXPECT_NEAR(o.GetPostMeanValues()[i], g.mean, 1e-4 * sd);
-    EXPECT_NEAR(o.GetVarianceValues()[i], g.var, 1e-3 * g.var);
-    EXPECT_NEAR(o.GetLowerLimits()[i], g.lower, 1e-3 * sd);
-    EXPECT_NEAR(o.GetUpperLimits()[i], g.upper, 1e-3 * sd);
-}
-
 void expectNoResult(const BSN1SampleNormOutputStats& o, int i) {
     for (const auto* v : {&o.GetModeValues(), &o.GetPostMeanValues(), &o.GetVarianceValues(), &o.GetLowerLimits(),
                           &o.GetUpperLimits()})
@@ -83,9 +74,8 @@ void expectGrid(const std::vector<double>& args, double centre, double half, int
 } // namespace
 
 // Every unknown-variance family: the t posterior of the mean from the
-// textbook conjugate forms, the same posterior by integration on a grid, and
-// the three curves.
-TEST(NormalPosterior, UnknownVarianceFamiliesMatchConjugateFormsAndIntegration) {
+// textbook conjugate forms, and the three curves.
+TEST(NormalPosterior, UnknownVarianceFamiliesMatchConjugateForms) {
     const double mu0 = 4.0, kappa0 = 2.0, n = kM.n, m = kM.mean, ss = (n - 1) * kM.var;
     const double kn = kappa0 + n, mun = (kappa0 * mu0 + n * m) / kn, shift = kappa0 * n / kn * std::pow(m - mu0, 2);
     const double kn1 = 1 + n, mun1 = (mu0 + n * m) / kn1, shift1 = n / kn1 * std::pow(m - mu0, 2);  // kappa 1
@@ -93,33 +83,29 @@ TEST(NormalPosterior, UnknownVarianceFamiliesMatchConjugateFormsAndIntegration) 
         BC::DistTypes meanPrior, varPrior;
         double p1, p2, kappa;  // kappa missing: not set
         TPost post;
-        std::function<double(double, double)> logPrior;  // of (mu, sigma^2), up to a constant
-        double priorVar;                                 // of the drawn prior curve; 0: flat
+        double priorVar;  // of the drawn prior curve; 0: flat
     };
-    const auto normalPart = [=](double mu, double s2) { return normalLogPdf(mu, mu0, s2 / kappa0); };
     const std::vector<Case> cases = {
         // mu, sigma^2 ~ N-Inv-chi^2(mu0, sigma^2/kappa0; nu0 3, s0^2 0.8): the
         // prior curve uses the prior mode of sigma^2, nu0 s0^2/(nu0 + 2).
         {BC::Normal, BC::InverseChiSquare, 3.0, 0.8, kappa0, {mun, (3 * 0.8 + ss + shift) / (3 + n) / kn, 3 + n},
-         [=](double mu, double s2) { return -2.5 * std::log(s2) - 1.2 / s2 + normalPart(mu, s2); }, 3 * 0.8 / 5 / kappa0},
+         3 * 0.8 / 5 / kappa0},
         // tau = 1/sigma^2 ~ Gamma(2.5, rate 1.5): the curve uses the mode of
         // the precision, (a - 1)/b.
         {BC::Normal, BC::Gamma, 2.5, 1.5, kappa0, {mun, (1.5 + ss / 2 + shift / 2) / (2.5 + n / 2) / kn, 5 + n},
-         [=](double mu, double s2) { return -3.5 * std::log(s2) - 1.5 / s2 + normalPart(mu, s2); }, 1.5 / 1.5 / kappa0},
+         1.5 / 1.5 / kappa0},
         // chi-square with 1.5 df on tau: Gamma(0.75, 0.5), shape below 1, so
         // the curve uses the mean precision a/b.
         {BC::Normal, BC::ChiSquare, 1.5, kMiss, kappa0, {mun, (0.5 + ss / 2 + shift / 2) / (0.75 + n / 2) / kn, 1.5 + n},
-         [=](double mu, double s2) { return -1.75 * std::log(s2) - 0.5 / s2 + normalPart(mu, s2); }, 0.5 / 0.75 / kappa0},
+         0.5 / 0.75 / kappa0},
         // sigma^2 ~ inverse gamma (1.7, 2.9) with no kappa (prior sample size
         // 1): the curve uses the prior mode of sigma^2, b/(a + 1).
         {BC::Normal, BC::InverseGamma, 1.7, 2.9, kMiss, {mun1, (2.9 + ss / 2 + shift1 / 2) / (1.7 + n / 2) / kn1, 3.4 + n},
-         [=](double mu, double s2) { return -2.7 * std::log(s2) - 2.9 / s2 + normalLogPdf(mu, mu0, s2); }, 2.9 / 2.7},
+         2.9 / 2.7},
         // Flat mean prior with sigma^2 to the power 0, -1, -2: df N-3, N-1, N+1.
-        {BC::Diffuse, BC::Diffuse, kMiss, kMiss, kMiss, {m, ss / (n * (n - 3)), n - 3}, [](double, double) { return 0.0; }, 0},
-        {BC::Diffuse, BC::Jeffreys2, kMiss, kMiss, kMiss, {m, ss / (n * (n - 1)), n - 1},
-         [](double, double s2) { return -std::log(s2); }, 0},
-        {BC::Diffuse, BC::Jeffreys4, kMiss, kMiss, kMiss, {m, ss / (n * (n + 1)), n + 1},
-         [](double, double s2) { return -2 * std::log(s2); }, 0},
+        {BC::Diffuse, BC::Diffuse, kMiss, kMiss, kMiss, {m, ss / (n * (n - 3)), n - 3}, 0},
+        {BC::Diffuse, BC::Jeffreys2, kMiss, kMiss, kMiss, {m, ss / (n * (n - 1)), n - 1}, 0},
+        {BC::Diffuse, BC::Jeffreys4, kMiss, kMiss, kMiss, {m, ss / (n * (n + 1)), n + 1}, 0},
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(testing::Message() << c.meanPrior << " " << c.varPrior);
@@ -133,8 +119,6 @@ TEST(NormalPosterior, UnknownVarianceFamiliesMatchConjugateFormsAndIntegration) 
         EXPECT_TRUE(r.component.GetWarningMessages().IsEmpty());
         const auto& o = r.result<BSN1SampleNormOutputStats>();
         expectT(o, 0, c.post);
-        const double w = 40 * std::sqrt(c.post.scale2);
-        expectMatchesGrid(o, 0, unknownVariancePosterior(n, m, kM.var, c.logPrior, c.post.centre - w, c.post.centre + w, 0.05));
         // Likelihood: arguments span the spread of single cases (M -/+ z s);
         // the values are the log of the profile likelihood (sum of
         // squares)^(-N/2) up to a constant, taken from the raw data.
@@ -164,7 +148,7 @@ TEST(NormalPosterior, UnknownVarianceFamiliesMatchConjugateFormsAndIntegration) 
     }
 }
 
-TEST(NormalPosterior, KnownVarianceMatchesIntegration) {
+TEST(NormalPosterior, KnownVarianceMatchesConjugateForm) {
     const double sigma2 = 0.6, mu0 = 4.0, tau02 = 0.25;
     // Data variance known for variable 0 only; variable 1 (the same data)
     // falls back to the unknown-variance routine.
@@ -176,18 +160,13 @@ TEST(NormalPosterior, KnownVarianceMatchesIntegration) {
     s.SetDataVarVals({sigma2, kMiss});
     NormalRun r(s, {kData, kData});
     const auto& o = r.result<BSN1SampleNormOutputStats>();
-    // Grid: exp(-sum (x - mu)^2 / (2 sigma^2)) x N(mu; mu0, tau0^2).
-    std::vector<double> mu(20001), dens(20001);
-    for (std::size_t k = 0; k < mu.size(); ++k) {
-        mu[k] = 2.0 + 5.0 * k / (mu.size() - 1);
-        dens[k] = std::exp(-sumSq(mu[k]) / (2 * sigma2) + normalLogPdf(mu[k], mu0, tau02) + 20.0);
-    }
-    expectMatchesGrid(o, 0, summarise(mu, dens, 0.05));
     const double taun2 = 1 / (1 / tau02 + kM.n / sigma2);
     const double mun = taun2 * (mu0 / tau02 + kM.n * kM.mean / sigma2);
     EXPECT_NEAR(o.GetModeValues()[0], mun, 1e-12);
+    EXPECT_NEAR(o.GetPostMeanValues()[0], mun, 1e-12);
     EXPECT_NEAR(o.GetVarianceValues()[0], taun2, 1e-14);
     EXPECT_NEAR(o.GetLowerLimits()[0], mun - zQuantile(0.975) * std::sqrt(taun2), 1e-9);
+    EXPECT_NEAR(o.GetUpperLimits()[0], mun + zQuantile(0.975) * std::sqrt(taun2), 1e-9);
     // Known-variance log-likelihood: exactly -sum (x - mu)^2 / (2 sigma^2),
     // on M -/+ z sigma; prior and posterior normal curves on their ranges.
     const auto& la = o.GetPlotArguments4Likelihoods()[0];
