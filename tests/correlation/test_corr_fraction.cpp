@@ -8,16 +8,6 @@ using namespace corrtest;
 
 namespace {
 
-struct FracCase { double n, r, rho0, b, logBF, logI1, logIb, l1, lb; };
-
-std::vector<FracCase> fracCases() {
-    std::vector<FracCase> cases;
-    for (const auto& f : readCsv("correlation_fraction.csv"))
-        cases.push_back({number(f[0]), number(f[1]), number(f[2]), number(f[3]), number(f[4]), number(f[5]),
-                         number(f[6]), number(f[7]), number(f[8])});
-    return cases;
-}
-
 BSNSettings fractionSettings() {
     BSNSettings s = corrSettings({0, 1}, BC::BayesFactor);
     s.SetEstBFType(BC::Fraction); s.SetTolValue(1e-10);
@@ -27,22 +17,25 @@ BSNSettings fractionSettings() {
 } // namespace
 
 TEST(CorrelationFraction, WholeFactorThroughTheTaskAndNarrowNullIntegrand) {
-    const auto cases = fracCases();
-    ASSERT_EQ(cases.size(), 5u);
-    for (const auto& c : cases) {
-        SCOPED_TRACE(testing::Message() << "n " << c.n << " r " << c.r);
+    const auto rows = readCsv("correlation_fraction.csv");
+    ASSERT_EQ(rows.size(), 5u);
+    for (const auto& row : rows) {
+        std::vector<double> f;  // n, r, rho0, b, log BF, the alternative's two log integrals, the null's
+        for (const auto& text : row) f.push_back(number(text));
+        const double n = f[0], r = f[1], rho0 = f[2], b = f[3];
+        SCOPED_TRACE(testing::Message() << "n " << n << " r " << r);
         BSNSettings s = fractionSettings();
-        s.SetNullValue(c.rho0); s.SetRegrComPar(c.b);
+        s.SetNullValue(rho0); s.SetRegrComPar(b);
         // The null model's integrals are deterministic.
-        TaskRig rig({c.r}, {c.n});
+        TaskRig rig({r}, {n});
         auto task = rig.task(s, 0, 1, 1);
-        for (const auto& [m, ref] : {std::pair{c.n, c.l1}, std::pair{c.n * c.b, c.lb}}) {
-            const double logF = task->SetNullIntegrand(m, c.r, c.rho0);
+        for (const auto& [m, ref] : {std::pair{n, f[7]}, std::pair{n * b, f[8]}}) {
+            const double logF = task->SetNullIntegrand(m, r, rho0);
             EXPECT_NEAR(std::log(task->Calculate1DIntegralG1V(0)) + logF, ref, 1e-7);
         }
         std::vector<double> logBF;
         for (unsigned long seed = 11; seed <= 20; ++seed) {
-            TaskRig one({c.r}, {c.n});
+            TaskRig one({r}, {n});
             one.task(s, 0, 1, seed)->RunTask();
             EXPECT_EQ(one.isLog[0], 0);
             EXPECT_NEAR(one.bf[0], std::exp(one.logBF[0]), 1e-14 * one.bf[0]);
@@ -52,8 +45,8 @@ TEST(CorrelationFraction, WholeFactorThroughTheTaskAndNarrowNullIntegrand) {
         const Moments m = moments(logBF);
         const double sd = std::sqrt(m.var);
         EXPECT_LT(sd, 0.2);
-        EXPECT_NEAR(m.mean, c.logBF, 4 * sd / std::sqrt(10.0));
-        for (double x : logBF) EXPECT_NEAR(x, c.logBF, 5 * sd);
+        EXPECT_NEAR(m.mean, f[4], 4 * sd / std::sqrt(10.0));
+        for (double x : logBF) EXPECT_NEAR(x, f[4], 5 * sd);
     }
     // For m = 1e6 the null integrand is a spike of width 1e-3 at V = 1; its
     // integral is close to the Laplace value sqrt(4 pi (2 - 2 r rho0) / (m-1)).
@@ -83,10 +76,10 @@ TEST(CorrelationFraction, LogarithmStoredOutsideTheExponentRange) {
     EXPECT_EQ(std::count_if(warnings.begin(), warnings.end(), [](const auto& w) { return w.GetCode() == 410041; }), 1);
 
     // A missing fraction is 0.5.
+    ASSERT_TRUE(MCMV::IsMissing(s.GetRegrComPar()));
     BSNSettings half = s;
     half.SetRegrComPar(0.5);
     TaskRig explicitHalf({0.9, 0.1, -0.85}, {3000, 30, 3000});
     explicitHalf.task(half, 0, 3, 5)->RunTask();
-    EXPECT_TRUE(MCMV::IsMissing(s.GetRegrComPar()));
     EXPECT_EQ(explicitHalf.logBF, rig.logBF);
 }

@@ -2,12 +2,11 @@
 // shapes of the pair getters, plots with their annotations, the report,
 // --threads and its precedence, and warnings naming pairs.
 #include <filesystem>
-#include <sstream>
 
 #include <nlohmann/json.hpp>
 
-#include "cli/host.h"
 #include "cli/results.h"
+#include "tests/cli/hostrun.h"
 #include "tests/cli/svgcheck.h"
 #include "tests/cli/tempfiles.h"
 #include "tests/correlation/corrtestsupport.h"
@@ -20,26 +19,22 @@ using bsntest::Text;
 
 namespace {
 
-struct HostRun { int code; std::string out, err; json doc; };
-
-HostRun run(const bsntest::TempDir& dir, const std::string& settings, std::vector<std::string> args) {
-    args.insert(args.begin(), {"bsn", "run", settings, std::string(BSN_SOURCE_DIR) + "/examples/correlation.csv",
-                               "--json", dir.Path("result.json")});
-    std::vector<const char*> argv;
-    for (const auto& a : args) argv.push_back(a.c_str());
-    std::ostringstream out, err;
-    const int code = bsncli::Main(static_cast<int>(argv.size()), argv.data(), out, err);
-    return {code, out.str(), err.str(), json::parse(bsntest::TempDir::Read(dir.Path("result.json")))};
+// bsn run SETTINGS examples/correlation.csv --json DIR/result.json ARGS..., and the results in the JSON.
+std::pair<bsntest::HostOutcome, json> run(const bsntest::TempDir& dir, const std::string& settings,
+                                          std::vector<std::string> args) {
+    args.insert(args.begin(), {"run", settings, std::string(BSN_SOURCE_DIR) + "/examples/correlation.csv", "--json",
+                               dir.Path("result.json")});
+    const bsntest::HostOutcome r = bsntest::RunCommandLine(args);
+    return {r, json::parse(bsntest::TempDir::Read(dir.Path("result.json")))["results"]};
 }
 
 } // namespace
 
 TEST(CorrelationHost, ExampleTablesJsonPlotsAndReport) {
     bsntest::TempDir dir;
-    const HostRun r = run(dir, std::string(BSN_SOURCE_DIR) + "/examples/correlation.json",
-                          {"--plots", dir.Path("plots"), "--report", dir.Path("r.html"), "--threads", "2"});
+    const auto [r, res] = run(dir, std::string(BSN_SOURCE_DIR) + "/examples/correlation.json",
+                              {"--plots", dir.Path("plots"), "--report", dir.Path("r.html"), "--threads", "2"});
     ASSERT_EQ(r.code, 0) << r.err;
-    const json& res = r.doc["results"];
     // Pairs of record positions (the columns after "person").
     EXPECT_EQ(res["GetVarPairIndices"], json::parse("[[1,2],[1,3],[1,4],[1,5],[2,3],[2,4],[2,5],[3,4],[3,5],[4,5]]"));
     for (const auto& flag : res["GetIsLogBayesFactor"]) EXPECT_TRUE(flag.is_boolean());
@@ -75,11 +70,11 @@ TEST(CorrelationHost, ExampleTablesJsonPlotsAndReport) {
     // The same numbers on one thread; MaxThreadNum in the file wins over --threads.
     const std::string oneThread = dir.Write("one.json", R"({"ModelType": 3, "Covariates": ["age", "income", "bmi",
         "sbp", "steps"], "FrequencyWeightVar": "count", "AnalysType": "Both", "MaxNPlots": 4, "MaxThreadNum": 1})");
-    const HostRun single = run(dir, oneThread, {"--threads", "8"});
+    const auto [single, singleRes] = run(dir, oneThread, {"--threads", "8"});
     ASSERT_EQ(single.code, 0) << single.err;
-    EXPECT_EQ(single.doc["results"]["GetSettings"]["MaxThreadNum"], 1);
+    EXPECT_EQ(singleRes["GetSettings"]["MaxThreadNum"], 1);
     for (const char* key : {"GetBayesFactor", "GetLogBayesFactors", "GetPosteriorMean", "GetPlotPosterior"})
-        EXPECT_EQ(single.doc["results"][key], res[key]) << key;
+        EXPECT_EQ(singleRes[key], res[key]) << key;
 }
 
 TEST(CorrelationHost, PlotSetsCarryTheirAnnotations) {
@@ -94,19 +89,19 @@ TEST(CorrelationHost, PlotSetsCarryTheirAnnotations) {
     bsncli::ResultView view;
     ASSERT_TRUE(bsncli::DescribeResult(corr.out(), data, view));
     ASSERT_EQ(view.plots.size(), 2u);
-    const auto* o = &corr.out();
+    const auto& o = corr.out();
     for (std::size_t i = 0; i < 2; ++i) {
         const bsncli::PlotSet& p = view.plots[i];
         EXPECT_EQ(p.variable, i == 0 ? "age with income" : "age with bmi");
-        EXPECT_EQ(p.logLikelihood.x, o->GetPlotXAxis());
-        EXPECT_EQ(p.posterior.y, o->GetPlotPosterior()[i]);
+        EXPECT_EQ(p.logLikelihood.x, o.GetPlotXAxis());
+        EXPECT_EQ(p.posterior.y, o.GetPlotPosterior()[i]);
         EXPECT_FALSE(p.likelihoodIsScaled);
-        EXPECT_EQ(p.ciLower, o->GetPosteriorLowerBound()[i]);
-        EXPECT_EQ(p.ciUpper, o->GetPosteriorUpperBound()[i]);
+        EXPECT_EQ(p.ciLower, o.GetPosteriorLowerBound()[i]);
+        EXPECT_EQ(p.ciUpper, o.GetPosteriorUpperBound()[i]);
         EXPECT_EQ(p.ciLevel, 90.0);
         EXPECT_EQ(p.nullValue, 0.2);
-        EXPECT_EQ(p.bayesFactor, o->GetBayesFactor()[i]);
-        EXPECT_EQ(p.bayesFactorIsLog, o->GetIsLogBayesFactor()[i]);
+        EXPECT_EQ(p.bayesFactor, o.GetBayesFactor()[i]);
+        EXPECT_EQ(p.bayesFactorIsLog, o.GetIsLogBayesFactor()[i]);
         EXPECT_EQ(p.direction, bsncli::FactorDirection::NullOverAlternative);
     }
     ASSERT_EQ(view.tables.size(), 1u);

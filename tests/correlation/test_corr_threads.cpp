@@ -34,13 +34,6 @@ struct Threaded {
     std::unique_ptr<CorrRun> run;
 };
 
-BSNSettings both(BC::EstBFTypes type) {
-    BSNSettings s = corrSettings(kAll, BC::Both);
-    s.SetEstBFType(type); s.SetMCSamples(300); s.SetPosteriorSamples(400);
-    s.SetMaxNPlots(5); s.SetNPlotPoints(7);
-    return s;
-}
-
 // Raises its cancel flag once `at` pairs are done.
 struct CancelAtPairs : MCCommon_850::ProgressListener {
     explicit CancelAtPairs(int n) : at(n) {}
@@ -57,7 +50,8 @@ TEST(CorrelationThreads, FactorsIdenticalForAnyThreadCountAndSplit) {
     const auto cols = data();
     for (BC::EstBFTypes type : {BC::JZS, BC::Fraction}) {
         SCOPED_TRACE(type);
-        const BSNSettings s = both(type);
+        BSNSettings s = corrSettings(kAll, BC::Both);
+        s.SetEstBFType(type); s.SetMCSamples(300); s.SetPosteriorSamples(400); s.SetMaxNPlots(5); s.SetNPlotPoints(7);
         CorrRun serial(s, cols);
         ASSERT_TRUE(serial.status.IsOK());
         EXPECT_EQ(std::pair(serial.procedure.GetNTasks(), serial.procedure.GetNThreads()), std::pair(1, 0));

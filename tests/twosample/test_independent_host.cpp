@@ -3,11 +3,12 @@
 // example with its plots and report.
 
 #include <filesystem>
+#include <regex>
 
 #include <nlohmann/json.hpp>
 
-#include "cli/host.h"
 #include "cli/results.h"
+#include "tests/cli/hostrun.h"
 #include "tests/cli/tempfiles.h"
 #include "tests/twosample/test_independent_support.h"
 
@@ -16,17 +17,12 @@ using namespace indeptest;
 
 namespace {
 
-struct HostRun { int code; std::string out, err; json doc; };
-
-// bsn run SETTINGS DATA --json DIR/r.json ARGS...
-HostRun runHost(const bsntest::TempDir& dir, const std::string& settings, const std::string& data,
-                std::vector<std::string> args = {}) {
-    args.insert(args.begin(), {"bsn", "run", settings, data, "--json", dir.Path("r.json")});
-    std::vector<const char*> argv;
-    for (const auto& a : args) argv.push_back(a.c_str());
-    std::ostringstream out, err;
-    const int code = bsncli::Main(static_cast<int>(argv.size()), argv.data(), out, err);
-    return {code, out.str(), err.str(), json::parse(bsntest::TempDir::Read(dir.Path("r.json")))};
+// bsn run SETTINGS DATA --json DIR/r.json ARGS..., and the JSON it wrote.
+std::pair<bsntest::HostOutcome, json> runHost(const bsntest::TempDir& dir, const std::string& settings,
+                                              const std::string& data, std::vector<std::string> args = {}) {
+    args.insert(args.begin(), {"run", settings, data, "--json", dir.Path("r.json")});
+    const bsntest::HostOutcome r = bsntest::RunCommandLine(args);
+    return {r, json::parse(bsntest::TempDir::Read(dir.Path("r.json")))};
 }
 
 // Group "b" and "a" (coded a = 0, b = 1), a third category "c" and a
@@ -42,9 +38,9 @@ TEST(IndependentHost, TextGroupsJsonAndTables) {
     bsntest::TempDir dir;
     const std::string settings = R"({"ModelType": "Independent", "Covariates": ["y", "z"], "GroupVar": "grp",
         "AnalysType": "Both", "EqualDataVar": true})";
-    const HostRun r = runHost(dir, dir.Write("s.json", settings), dir.Write("d.csv", kData));
+    const auto [r, doc] = runHost(dir, dir.Write("s.json", settings), dir.Write("d.csv", kData));
     ASSERT_EQ(r.code, 0) << r.err;
-    const json& res = r.doc["results"];
+    const json& res = doc["results"];
     const std::vector<std::string> keys = {
         "GetModelType", "GetOutputType", "GetSettings", "GetGroupStatsVarIndices", "GetGroup1StatsNs",
         "GetGroup1MeanValues", "GetGroup1StdDevs", "GetGroup1EMs", "GetGroup2StatsNs", "GetGroup2MeanValues",
@@ -114,18 +110,17 @@ TEST(IndependentHost, ExampleRunsWithPlotsAndReport) {
     bsntest::TempDir dir;
     const std::string root = BSN_SOURCE_DIR;
     const std::string plots = dir.Path("plots"), report = dir.Path("r.html");
-    const HostRun r = runHost(dir, root + "/examples/independent.json", root + "/examples/independent.csv",
-                              {"--plots", plots, "--report", report});
+    const auto [r, doc] = runHost(dir, root + "/examples/independent.json", root + "/examples/independent.csv",
+                                  {"--plots", plots, "--report", report});
     ASSERT_EQ(r.code, 0) << r.err;
-    EXPECT_EQ(r.doc["status"]["code"], 0);
-    EXPECT_TRUE(r.doc["warnings"].empty());
+    EXPECT_EQ(doc["status"]["code"], 0);
+    EXPECT_TRUE(doc["warnings"].empty());
     // Two variables: each group mean and the difference; the report holds them and four tables.
     EXPECT_EQ(std::distance(std::filesystem::directory_iterator(plots), {}), 6);
     const std::string html = bsntest::TempDir::Read(report);
-    auto count = [&](const std::string& what) {
-        int n = 0;
-        for (auto at = html.find(what); at != std::string::npos; at = html.find(what, at + 1)) ++n;
-        return n;
+    auto count = [&](const char* what) {
+        const std::regex re(what);
+        return std::distance(std::sregex_iterator(html.begin(), html.end(), re), std::sregex_iterator());
     };
     EXPECT_EQ(count("<figure"), 6);
     EXPECT_EQ(count("<caption>"), 4);

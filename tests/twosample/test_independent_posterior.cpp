@@ -149,32 +149,56 @@ TEST(IndependentPosterior, KnownVariancesAgainstConjugateNormals) {
     }
 }
 
-TEST(IndependentPosterior, CommonVarianceAgainstBruteForce) {
+TEST(IndependentPosterior, CommonVarianceAgainstBruteForceUnequalAgainstBehrensFisher) {
     // Seven and nine cases: few enough for an error in the df or the scale to show.
     const double nu0 = 4.0, sigma02 = 2.5;
-    for (bool invChi : {false, true}) {
-        SCOPED_TRACE(invChi ? "inverse chi-square" : "1/sigma^2");
+    const Moments m0 = moments(kG0), m1 = moments(kG1);
+    const double a0 = std::sqrt(m0.var / m0.n), a1 = std::sqrt(m1.var / m1.n), d = m1.mean - m0.mean;
+    for (const char* prior : {"1/sigma^2", "inverse chi-square", "unequal variances"}) {
+        SCOPED_TRACE(prior);
+        const bool invChi = prior[0] == 'i', unequal = prior[0] == 'u';
         BSNSettings s = posteriorSettings();
-        s.SetEqualDataVar(true);
+        s.SetEqualDataVar(!unequal);
         if (invChi) {
             s.SetPriorDistType(BC::InverseChiSquare); s.SetPriorDistParam1(nu0);
             s.SetPriorDistParam2(sigma02);
         }
+        if (unequal) s.SetCILevel(90.0);
         NormalRun r(s, groupColumns(kG0, kG1));
         ASSERT_TRUE(r.status.IsOK());
         EXPECT_TRUE(r.component.GetWarningMessages().IsEmpty());
         const auto& o = output(r);
-        const GridPosterior g = commonVariancePosterior([&](double s2) {
-            return invChi ? -(nu0 / 2 + 1) * std::log(s2) - nu0 * sigma02 / (2 * s2) : -std::log(s2);
-        });
-        const double d = moments(kG1).mean - moments(kG0).mean;
         EXPECT_NEAR(o.GetModeValues()[0], d, 1e-12);
-        EXPECT_NEAR(o.GetPostMeanValues()[0], g.mean, 1e-4);
-        EXPECT_LT(rel(o.GetVarianceValues()[0], g.var), 2e-3);
-        EXPECT_NEAR(o.GetLowerLimits()[0], g.lower, 3e-3);
-        EXPECT_NEAR(o.GetUpperLimits()[0], g.upper, 3e-3);
-        EXPECT_EQ(o.GetPlotXPrior()[0], (std::vector<double>{1.0, 1.0}));
-        EXPECT_EQ(o.GetPlotXArguments()[0].size(), 81u);
+        if (!unequal) {
+            const GridPosterior g = commonVariancePosterior([&](double s2) {
+                return invChi ? -(nu0 / 2 + 1) * std::log(s2) - nu0 * sigma02 / (2 * s2) : -std::log(s2);
+            });
+            EXPECT_NEAR(o.GetPostMeanValues()[0], g.mean, 1e-4);
+            EXPECT_LT(rel(o.GetVarianceValues()[0], g.var), 2e-3);
+            EXPECT_NEAR(o.GetLowerLimits()[0], g.lower, 3e-3);
+            EXPECT_NEAR(o.GetUpperLimits()[0], g.upper, 3e-3);
+            EXPECT_EQ(o.GetPlotXPrior()[0], (std::vector<double>{1.0, 1.0}));
+            EXPECT_EQ(o.GetPlotXArguments()[0].size(), 81u);
+            continue;
+        }
+        // The procedure hands the distribution (checked below) each group's scale and df.
+        const BehrensFisherDistribution bf(a0, m0.n - 1, a1, m1.n - 1);
+        const double q = bf.Quantile(0.05);
+        EXPECT_NEAR(o.GetPostMeanValues()[0], d, 1e-12);
+        EXPECT_NEAR(o.GetVarianceValues()[0], a0 * a0 * 6 / 4 + a1 * a1 * 8 / 6, 1e-12);
+        EXPECT_NEAR(o.GetLowerLimits()[0], d + q, 1e-9);
+        EXPECT_NEAR(o.GetUpperLimits()[0], d - q, 1e-9);
+        // The curve: symmetric about d, peak 1 there, PlotDomainLevel / 2 of the mass beyond each end.
+        const auto &x = o.GetPlotArguments()[0], &f = o.GetPlotPosterior()[0];
+        ASSERT_EQ(x.size(), 81u);
+        EXPECT_NEAR(x[40], d, 1e-9);
+        EXPECT_NEAR(f[40], 1.0, 1e-7);
+        EXPECT_NEAR(f[10], f[70], 1e-8);
+        EXPECT_NEAR(bf.Cdf(x.front() - d), s.GetPlotDomainLevel() / 2, 1e-9);
+        // Group likelihoods: each group's own profile likelihood.
+        const auto& yl = o.GetPlotYLikelihoods()[0];
+        const double mu = o.GetPlotYArguments()[0][5];
+        EXPECT_NEAR(yl[5], std::pow(1 + m1.n * (mu - m1.mean) * (mu - m1.mean) / (m1.var * (m1.n - 1)), -m1.n / 2), 1e-12);
     }
 }
 
@@ -204,36 +228,6 @@ TEST(IndependentPosterior, BehrensFisherQuantilesAgainstConvolutions) {
     EXPECT_TRUE(MCMV::IsMissing(BehrensFisherDistribution(1, 2, 1, 5).Variance()));
     EXPECT_FALSE(BehrensFisherDistribution(0, 2, 1, 5).IsValid());
     EXPECT_TRUE(MCMV::IsMissing(a.Quantile(1.0)));
-}
-
-TEST(IndependentPosterior, UnequalVariancesThroughTheProcedure) {
-    BSNSettings s = posteriorSettings();
-    s.SetCILevel(90.0);
-    NormalRun r(s, groupColumns(kG0, kG1));
-    ASSERT_TRUE(r.status.IsOK());
-    EXPECT_TRUE(r.component.GetWarningMessages().IsEmpty());
-    const auto& o = output(r);
-    const Moments m0 = moments(kG0), m1 = moments(kG1);
-    const double a0 = std::sqrt(m0.var / m0.n), a1 = std::sqrt(m1.var / m1.n), d = m1.mean - m0.mean;
-    // The procedure hands the distribution (checked above) each group's scale and df.
-    const BehrensFisherDistribution bf(a0, m0.n - 1, a1, m1.n - 1);
-    const double q = bf.Quantile(0.05);
-    EXPECT_NEAR(o.GetModeValues()[0], d, 1e-12);
-    EXPECT_NEAR(o.GetPostMeanValues()[0], d, 1e-12);
-    EXPECT_NEAR(o.GetVarianceValues()[0], a0 * a0 * 6 / 4 + a1 * a1 * 8 / 6, 1e-12);
-    EXPECT_NEAR(o.GetLowerLimits()[0], d + q, 1e-9);
-    EXPECT_NEAR(o.GetUpperLimits()[0], d - q, 1e-9);
-    // The curve: symmetric about d, peak 1 there, PlotDomainLevel / 2 of the mass beyond each end.
-    const auto &x = o.GetPlotArguments()[0], &f = o.GetPlotPosterior()[0];
-    ASSERT_EQ(x.size(), 81u);
-    EXPECT_NEAR(x[40], d, 1e-9);
-    EXPECT_NEAR(f[40], 1.0, 1e-7);
-    EXPECT_NEAR(f[10], f[70], 1e-8);
-    EXPECT_NEAR(bf.Cdf(x.front() - d), s.GetPlotDomainLevel() / 2, 1e-9);
-    // Group likelihoods: each group's own profile likelihood.
-    const auto& yl = o.GetPlotYLikelihoods()[0];
-    const double mu = o.GetPlotYArguments()[0][5];
-    EXPECT_NEAR(yl[5], std::pow(1 + m1.n * (mu - m1.mean) * (mu - m1.mean) / (m1.var * (m1.n - 1)), -m1.n / 2), 1e-12);
 }
 
 TEST(IndependentPosterior, ConstantAndSmallGroupsInBothStages) {

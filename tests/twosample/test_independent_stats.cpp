@@ -6,7 +6,6 @@
 
 #include "bsn/twosample/bsn2samplecontstats.h"
 #include "bsn/twosample/bsn2sampleindbasicstats.h"
-#include "bsn/twosample/bsn2sampleindependent.h"
 #include "tests/twosample/test_independent_support.h"
 
 using namespace indeptest;
@@ -98,10 +97,15 @@ TEST(IndependentStats, GroupCodingAndWeightsThroughTheProcedure) {
     EXPECT_EQ(r.count(410030), 1);
 }
 
-TEST(IndependentStats, MessagesOfTheDataPass) {
+TEST(IndependentStats, MessagesCancellationAndProgressOfTheDataPass) {
     const std::vector<double> x = {1, 2, 3, 4, 5}, g = {0, 1, 0, 1, 0};
-    // No group variable; no test variables.
-    for (const auto& [s, code] : {std::pair{indepSettings({0}, -1), 410040}, {indepSettings({}, 1), 410039}}) {
+    // No group variable; no test variables; cancelled at the first progress report.
+    MCCommon_850::MCAtomicCancel cancel;
+    CancellingListener stopper(cancel, 1);
+    BSNSettings cancelled = indepSettings({0}, 1);
+    cancelled.SetProgressFrequency(1); cancelled.SetProgressListener(&stopper); cancelled.SetCancelPointer(&cancel);
+    for (const auto& [s, code] :
+         {std::pair{indepSettings({0}, -1), 410040}, {indepSettings({}, 1), 410039}, {cancelled, 1}}) {
         NormalRun r(s, {x, g});
         EXPECT_EQ(r.status.GetCode(), code);
         EXPECT_TRUE(r.status.IsError()) << code;
@@ -109,31 +113,16 @@ TEST(IndependentStats, MessagesOfTheDataPass) {
         EXPECT_EQ(r.component.GetOutputStats(), nullptr) << code;
     }
     // Variable 1 has two cases in all: 410030 (no datum); the other variable still gets its factor.
+    // Progress every second record and at the end.
     const std::vector<double> y = {kMiss, 7.0, kMiss, kMiss, 3.0};
-    NormalRun r(indepSettings({0, 2}, 1, BC::BayesFactor), {x, g, y});
+    bsntest::RecordCounts listener;
+    BSNSettings s = indepSettings({0, 2}, 1, BC::BayesFactor);
+    s.SetProgressFrequency(2); s.SetProgressListener(&listener);
+    NormalRun r(s, {x, g, y});
     ASSERT_TRUE(r.status.IsOK());
+    EXPECT_EQ(listener.counts, (std::vector<int>{2, 4, 5}));
     EXPECT_EQ(r.count(410030), 1);
     EXPECT_FALSE(r.component.GetWarningMessages().Get(0).HasDiscreteDatum(0));
     EXPECT_FALSE(MCMV::IsMissing(output(r).GetTValues()[0]));
     EXPECT_TRUE(MCMV::IsMissing(output(r).GetTValues()[1]) && MCMV::IsMissing(output(r).GetBayesFactors()[1]));
-}
-
-TEST(IndependentStats, CancellationAndProgress) {
-    std::vector<double> x, g;
-    for (int i = 0; i < 120; ++i) x.push_back(i * 0.5), g.push_back(i % 2);
-    BSNSettings s = indepSettings({0}, 1);
-    s.SetProgressFrequency(50);
-    bsntest::RecordCounts listener;
-    s.SetProgressListener(&listener);
-    NormalRun r(s, {x, g});
-    ASSERT_TRUE(r.status.IsOK());
-    EXPECT_EQ(listener.counts, (std::vector<int>{50, 100, 120}));
-
-    MCCommon_850::MCAtomicCancel cancel;
-    CancellingListener stopper(cancel, 1);
-    s.SetProgressListener(&stopper); s.SetCancelPointer(&cancel);
-    NormalRun c(s, {x, g});
-    EXPECT_TRUE(c.status.IsError() && c.status.GetCode() == 1);
-    EXPECT_FALSE(c.component.IsModelBuilt());
-    EXPECT_EQ(c.component.GetOutputStats(), nullptr);
 }

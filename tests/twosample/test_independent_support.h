@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "bsn/twosample/bsn2sampleindoutputstats.h"
+#include "tests/onesample/extremedata.h"
 #include "tests/onesample/normaltestsupport.h"
 
 namespace indeptest {
@@ -36,20 +37,12 @@ inline const BSN2SampleIndOutputStats& output(const NormalRun& r) { return r.res
 // A CSV table under tests/data: a map from column name to text per row.
 inline std::vector<std::map<std::string, std::string>> readTable(const std::string& name) {
     std::ifstream in(std::string(BSN_SOURCE_DIR) + "/tests/data/" + name);
-    auto split = [](std::string text) {
-        if (!text.empty() && text.back() == '\r') text.pop_back();
-        std::vector<std::string> cells;
-        std::stringstream ss(text + ",");
-        for (std::string cell; std::getline(ss, cell, ',');) cells.push_back(cell);
-        return cells;
-    };
-    std::vector<std::map<std::string, std::string>> rows;
-    std::string line;
+    std::string line, cell;
     std::getline(in, line);
-    const std::vector<std::string> header = split(line);
-    while (std::getline(in, line)) {
-        const std::vector<std::string> cells = split(line);
-        if (cells.size() < 2) continue;  // a blank line
+    std::vector<std::string> header;
+    for (std::stringstream ss(line); std::getline(ss, cell, ',');) header.push_back(cell.substr(0, cell.find('\r')));
+    std::vector<std::map<std::string, std::string>> rows;
+    for (const auto& cells : extremedata::read(name)) {
         rows.emplace_back();
         for (std::size_t i = 0; i < header.size(); ++i) rows.back()[header[i]] = i < cells.size() ? cells[i] : "";
     }

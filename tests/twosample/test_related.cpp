@@ -33,44 +33,58 @@ struct CountingIter : MCCommon_850::ColumnRecordIter {
 
 } // namespace
 
-TEST(Related, DifferenceStatisticsTTestAndPosterior) {
+TEST(Related, DifferenceStatisticsTTestAndPosteriorForEachAnalysisType) {
     const std::vector<double> x1 = {10.2, 11.5, kMiss, 9.8, 12.1, 10.9, 11.7, 13.0};
     const std::vector<double> y1 = {9.1, 11.9, 10.0, 8.7, 10.6, kMiss, 10.2, 11.1};
     const std::vector<double> x2 = {1.0, 3.0, 2.0, 4.0, 6.0, 5.0, 7.0, 8.0};
     const std::vector<double> y2 = {2.0, 1.0, 3.0, 5.0, 4.0, 7.0, 6.0, 9.0};  // weighted mean difference 0.4
     const std::vector<double> w = {1.0, 2.4, 1.0, 0.3, 1.0, 1.0, 3.0, 1.0};   // record 3 dropped (weight 0)
     const std::vector<double> rounded = {1, 2, 1, 0, 1, 1, 3, 1};
-    BSNSettings s = relatedSettings({0, 2}, {1, 3}, BC::Both);
-    s.SetFrequencyWeightVar(4); s.SetNullValues({0.5, 0.4}); s.SetAlterGValues({1.0, 3.0});
-    NormalRun r(s, {x1, y1, x2, y2, w});
-    ASSERT_TRUE(r.status.IsOK()) << r.status.GetCode();
-    EXPECT_TRUE(r.component.GetWarningMessages().IsEmpty());
-    const auto& o = output(r);
+    for (BC::AnalysTypes type : {BC::Both, BC::BayesFactor, BC::Posterior}) {
+        SCOPED_TRACE(type);
+        BSNSettings s = relatedSettings({0, 2}, {1, 3}, type);
+        s.SetFrequencyWeightVar(4); s.SetNullValues({0.5, 0.4}); s.SetAlterGValues({1.0, 3.0});
+        bsntest::RecordCounts listener;
+        s.SetProgressListener(&listener); s.SetProgressFrequency(4);
+        NormalRun r(s, {x1, y1, x2, y2, w});
+        ASSERT_TRUE(r.status.IsOK()) << r.status.GetCode();
+        EXPECT_TRUE(r.component.GetWarningMessages().IsEmpty());
+        EXPECT_EQ(listener.counts, (std::vector<int>{4, 8}));  // the end is not reported twice
+        const auto& o = output(r);
+        // Only the stages asked for fill their results.
+        const bool factor = type != BC::Posterior, posterior = type != BC::BayesFactor;
+        for (const auto* v : {&o.GetBayesFactors(), &o.GetTValues(), &o.GetSigs()}) EXPECT_EQ(v->size(), factor ? 2u : 0u);
+        EXPECT_EQ(o.GetPostMeanValues().size(), posterior ? 2u : 0u);
+        if (!posterior) { EXPECT_TRUE(o.GetPlotArguments4Posterior().empty()); }
 
-    // The differences' statistics feed the shared normal-mean code; the lower
-    // limit shows they reach the posterior (Jeffreys 2: t, N - 1 df, scale^2 s^2/N).
-    for (int p = 0; p < 2; ++p) {
-        SCOPED_TRACE(p);
-        // The differences where both are present (weight 0 elsewhere).
-        const std::vector<double> &a = p == 0 ? x1 : x2, &b = p == 0 ? y1 : y2;
-        std::vector<double> d, dw;
-        for (std::size_t i = 0; i < a.size(); ++i) {
-            const bool both = !MCMV::IsMissing(a[i]) && !MCMV::IsMissing(b[i]);
-            d.push_back(both ? a[i] - b[i] : 0.0);
-            dw.push_back(both ? rounded[i] : 0.0);
+        // The differences' statistics feed the shared normal-mean code; the lower
+        // limit shows they reach the posterior (Jeffreys 2: t, N - 1 df, scale^2 s^2/N).
+        for (int p = 0; p < 2; ++p) {
+            SCOPED_TRACE(p);
+            // The differences where both are present (weight 0 elsewhere).
+            const std::vector<double> &a = p == 0 ? x1 : x2, &b = p == 0 ? y1 : y2;
+            std::vector<double> d, dw;
+            for (std::size_t i = 0; i < a.size(); ++i) {
+                const bool both = !MCMV::IsMissing(a[i]) && !MCMV::IsMissing(b[i]);
+                d.push_back(both ? a[i] - b[i] : 0.0);
+                dw.push_back(both ? rounded[i] : 0.0);
+            }
+            const Moments m = moments(d, dw);
+            const double se = std::sqrt(m.var / m.n), t = (m.mean - s.GetNullValues()[p]) / se;
+            EXPECT_DOUBLE_EQ(o.GetNs()[p], m.n);
+            EXPECT_NEAR(o.GetMeanValues()[p], m.mean, 1e-12);
+            EXPECT_NEAR(o.GetStdDevs()[p], std::sqrt(m.var), 1e-12);
+            if (factor) { EXPECT_NEAR(o.GetTValues()[p], t, 1e-10); }
+            if (posterior) {
+                EXPECT_NEAR(o.GetLowerLimits()[p], m.mean - bm::quantile(bm::students_t(m.n - 1), 0.975) * se, 1e-9);
+            }
         }
-        const Moments m = moments(d, dw);
-        const double se = std::sqrt(m.var / m.n), t = (m.mean - s.GetNullValues()[p]) / se;
-        EXPECT_DOUBLE_EQ(o.GetNs()[p], m.n);
-        EXPECT_NEAR(o.GetMeanValues()[p], m.mean, 1e-12);
-        EXPECT_NEAR(o.GetStdDevs()[p], std::sqrt(m.var), 1e-12);
-        EXPECT_NEAR(o.GetTValues()[p], t, 1e-10);
-        EXPECT_NEAR(o.GetLowerLimits()[p], m.mean - bm::quantile(bm::students_t(m.n - 1), 0.975) * se, 1e-9);
+        // Pair 2 is tested at its own mean: t = 0 and the Simple factor is sqrt(1 + N g).
+        if (factor) {
+            EXPECT_NEAR(o.GetBayesFactors()[1], std::sqrt(1.0 + o.GetNs()[1] * 3.0), 1e-10);
+            EXPECT_GT(o.GetBayesFactors()[0], 0.0);
+        }
     }
-    // Pair 2 is tested at its own mean: t = 0 and the Simple factor is sqrt(1 + N g).
-    EXPECT_NEAR(o.GetTValues()[1], 0.0, 1e-12);
-    EXPECT_NEAR(o.GetBayesFactors()[1], std::sqrt(1.0 + o.GetNs()[1] * 3.0), 1e-10);
-    EXPECT_GT(o.GetBayesFactors()[0], 0.0);
 }
 
 TEST(Related, ConstantAndEmptyPairs) {
@@ -149,28 +163,4 @@ TEST(Related, ListErrorsNoRecordsAndCancellation) {
         EXPECT_EQ(r.component.GetOutputStats(), nullptr);
         EXPECT_EQ(listener.records, std::vector<int>{frequency == 1 ? 1 : 4});
     }
-}
-
-TEST(Related, AnalysisTypesFillOnlyTheirResults) {
-    const std::vector<std::vector<double>> cols = {{1, 2, 3, 4, 5}, {2, 2, 5, 1, 3}};
-    // Progress every 5 of 5 records: the end is not reported twice.
-    bsntest::RecordCounts listener;
-    BSNSettings postOnly = relatedSettings({0}, {1}, BC::Posterior);
-    postOnly.SetProgressListener(&listener); postOnly.SetProgressFrequency(5);
-    NormalRun post(postOnly, cols);
-    ASSERT_TRUE(post.status.IsOK());
-    EXPECT_EQ(listener.counts, (std::vector<int>{5}));
-    const auto& p = output(post);
-    for (const auto* v : {&p.GetBayesFactors(), &p.GetTValues(), &p.GetSigs()}) EXPECT_TRUE(v->empty());
-    EXPECT_EQ(p.GetPostMeanValues().size(), 1u);
-
-    BSNSettings s = relatedSettings({0}, {1}, BC::BayesFactor);
-    s.SetAlterGValues({1.0});
-    NormalRun bf(s, cols);
-    ASSERT_TRUE(bf.status.IsOK());
-    const auto& b = output(bf);
-    EXPECT_EQ(b.GetBayesFactors().size(), 1u);
-    EXPECT_TRUE(b.GetPostMeanValues().empty());
-    EXPECT_TRUE(b.GetPlotArguments4Posterior().empty());
-    EXPECT_NEAR(b.GetMeanValues()[0], 0.4, 1e-12);
 }
