@@ -1,13 +1,12 @@
 // The host on the regression and ANOVA examples: the JSON record layouts.
 #include <gtest/gtest.h>
 
-#include <sstream>
 #include <string>
 #include <vector>
 
 #include <nlohmann/json.hpp>
 
-#include "cli/host.h"
+#include "tests/cli/hostrun.h"
 
 TEST(RegressionHost, ExamplesRunAndWriteTheJsonLayouts) {
     const auto keys = [](const nlohmann::ordered_json& o) {
@@ -15,19 +14,18 @@ TEST(RegressionHost, ExamplesRunAndWriteTheJsonLayouts) {
         for (auto it = o.begin(); it != o.end(); ++it) k.push_back(it.key());
         return k;
     };
+    const std::vector<std::string> sumsOfSquares = {"ss", "df", "ms"};
     for (const std::string name : {"regression", "anova"}) {
-        const std::string dir = std::string(BSN_SOURCE_DIR) + "/examples/";
-        const std::string settings = dir + name + ".json", data = dir + name + ".csv";
-        std::vector<const char*> argv = {"bsn", "run", settings.c_str(), data.c_str(), "--json", "-"};
-        std::ostringstream out, err;
-        ASSERT_EQ(bsncli::Main(static_cast<int>(argv.size()), argv.data(), out, err), 0) << err.str();
-        const auto doc = nlohmann::ordered_json::parse(out.str());
+        const std::string example = std::string(BSN_SOURCE_DIR) + "/examples/" + name;
+        const auto run = bsntest::RunCommandLine({"run", example + ".json", example + ".csv", "--json", "-"});
+        ASSERT_EQ(run.code, 0) << run.err;
+        const auto doc = nlohmann::ordered_json::parse(run.out);
         const auto& r = doc["results"];
         ASSERT_TRUE(r.is_object()) << name;
         EXPECT_EQ(r["GetOutputType"], name == "regression" ? 6 : 7);
         const auto& a = r["GetAnova"];
-        EXPECT_EQ(keys(a["regression"]), (std::vector<std::string>{"ss", "df", "ms"}));
-        EXPECT_EQ(keys(a["residual"]), (std::vector<std::string>{"ss", "df", "ms"}));
+        EXPECT_EQ(keys(a["regression"]), sumsOfSquares);
+        EXPECT_EQ(keys(a["residual"]), sumsOfSquares);
         EXPECT_EQ(keys(a["total"]), (std::vector<std::string>{"ss", "df"}));
         EXPECT_TRUE(a["f"].is_number());
         EXPECT_TRUE(r["IsLogBayesFactor"].is_boolean());

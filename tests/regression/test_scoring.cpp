@@ -61,31 +61,6 @@ TEST(Scoring, AgreesWithLmAndRecordsThatDoNotExpandLeaveEveryScoreMissing) {
     }
 }
 
-TEST(Scoring, DenseAndSparseDesignsScoreTheSame) {
-    // B (y ~ h + x1) expands sparse rows. Two constant covariates make the
-    // rows dense (2 x 4 effects is not below 8 parameters) but leave the
-    // model as it was: both are collinear with the intercept and redundant.
-    auto cols = readColumns("regr_small.csv"), fresh = readColumns("scoring_new.csv");
-    for (auto* table : {&cols, &fresh}) {
-        table->push_back(std::vector<double>((*table)[0].size(), 5.0));
-        table->push_back(std::vector<double>((*table)[0].size(), -2.5));
-    }
-    BSNSettings sparse = modelSettings('B');
-    BSNSettings dense = sparse;
-    dense.SetCovariates({kX1, kNColumns, kNColumns + 1});
-    RegrRun a(sparse, cols, ScaleVars(kNColumns + 2, {kG, kH}));
-    RegrRun b(dense, cols, ScaleVars(kNColumns + 2, {kG, kH}));
-    ASSERT_TRUE(a.status.IsOK());
-    ASSERT_TRUE(b.status.IsOK());
-    ASSERT_TRUE(a.result().IsSparse());
-    ASSERT_FALSE(b.result().IsSparse());
-    EXPECT_EQ(b.result().GetRedundancy(), (std::vector<bool>{false, false, false, false, true, false, true, true}));
-    for (const auto* table : {&cols, &fresh})
-        for (std::size_t i = 0; i < (*table)[0].size(); ++i)
-            expectSameScore(parts(score(b.result(), row(*table, i))), parts(score(a.result(), row(*table, i))),
-                            "record " + std::to_string(i));
-}
-
 TEST(Scoring, PosteriorPartsFollowThePosteriorAndTheSetting) {
     const auto& regr = readReference("regr_reference.csv");
     // The record of the regression tests' prediction: g = 1, x1 = 1.5, x2 = 9.
