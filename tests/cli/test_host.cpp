@@ -28,16 +28,8 @@ namespace {
 using bsntest::HostOutcome;
 using bsntest::RunCommandLine;
 
-// The real binary, through the shell, for what only a process shows.
-HostOutcome runBinary(const bsntest::TempDir& dir, const std::string& args) {
-    const std::string out = dir.Path("stdout.txt"), err = dir.Path("stderr.txt");
-    const int status = std::system((std::string(BSN_BINARY) + " " + args + " >" + out + " 2>" + err).c_str());
-    return {WIFEXITED(status) ? WEXITSTATUS(status) : -1, bsntest::TempDir::Read(out), bsntest::TempDir::Read(err)};
-}
-
 double lbeta(double a, double b) { return std::lgamma(a) + std::lgamma(b) - std::lgamma(a + b); }
 
-// Each getter's entry i against its expected value, to a relative tolerance.
 void expectNear(const json& r, int i, const std::vector<std::pair<const char*, double>>& expected, double tol = 1e-10) {
     for (const auto& [key, value] : expected)
         EXPECT_NEAR(r[key][i].get<double>(), value, tol * std::max(1.0, std::fabs(value))) << key << " " << i;
@@ -49,16 +41,25 @@ std::vector<std::string> keysOf(const json& j) {
     return keys;
 }
 
-// Runs with --json into a file and returns the parsed document.
-json runJson(const bsntest::TempDir& dir, const std::string& settings, const std::string& data, HostOutcome& run,
-             std::vector<std::string> extra = {}) {
+struct JsonRun : HostOutcome {
+    json doc;  // null when no document was written
+};
+
+// Runs with --json into a file; the settings and data stay as s.json and d.csv.
+JsonRun runJson(const bsntest::TempDir& dir, const std::string& settings, const std::string& data,
+                std::vector<std::string> extra = {}) {
     const std::string js = dir.Path("result.json");
     std::filesystem::remove(js);
-    std::vector<std::string> args{"run", dir.Write("s.json", settings), dir.Write("d.csv", data), "--json", js};
-    args.insert(args.end(), extra.begin(), extra.end());
-    run = RunCommandLine(args);
-    if (!std::filesystem::exists(js)) return json();
-    return json::parse(bsntest::TempDir::Read(js));
+    extra.insert(extra.begin(), {"run", dir.Write("s.json", settings), dir.Write("d.csv", data), "--json", js});
+    JsonRun run{RunCommandLine(extra), json()};
+    if (std::filesystem::exists(js)) run.doc = json::parse(bsntest::TempDir::Read(js));
+    return run;
+}
+
+// The readable report of the last runJson's files.
+HostOutcome runText(const bsntest::TempDir& dir, std::vector<std::string> extra = {}) {
+    extra.insert(extra.begin(), {"run", dir.Path("s.json"), dir.Path("d.csv")});
+    return RunCommandLine(extra);
 }
 
 } // namespace
@@ -86,11 +87,10 @@ TEST(Host, BinomialRunMatchesClosedForms) {
     const std::string settings = R"({"ModelType": "One-Sample", "TestDistType": "Binomial",
         "Factors": ["y1", "y2", "y3"], "FactorSizes": [2, 2, 2], "FrequencyWeightVar": "w", "AnalysType": "Both",
         "AlterPrior1s": [1, 0.5, 1], "AlterPrior2s": [1, 0.5, 1], "PriorParam1": 1, "PriorParam2": 3, "CILevel": 90})";
-    HostOutcome run;
-    const json doc = runJson(dir, settings, data, run, {"--plots", dir.Path("plots")});
+    const JsonRun run = runJson(dir, settings, data, {"--plots", dir.Path("plots")});
     ASSERT_EQ(run.code, 0) << run.err;
+    const json& doc = run.doc;
 
-    // Layout: exactly these keys, in this order.
     EXPECT_EQ(keysOf(doc), (std::vector<std::string>{"status", "warnings", "model_built", "columns", "results"}));
     EXPECT_EQ(doc["columns"], json({"y1", "y2", "y3", "w"}));
     EXPECT_EQ(doc["status"], json::parse(R"({"code": 0, "error": false, "message": ""})"));
@@ -125,52 +125,43 @@ TEST(Host, BinomialRunMatchesClosedForms) {
     for (const char* g : {"GetBayesFactors", "GetMeanValues", "GetLowerLimits"})
         EXPECT_TRUE(r[g][2].is_null()) << g << ": " << r[g].dump();
 
-    // One picture per test variable that has curves.
+    // A picture for each test variable that has curves, none for y3.
     EXPECT_NE(bsntest::TempDir::Read(dir.Path("plots/y1.svg")).find("<polyline"), std::string::npos);
-    EXPECT_TRUE(std::filesystem::exists(dir.Path("plots/y2.svg")));
     EXPECT_FALSE(std::filesystem::exists(dir.Path("plots/y3.svg")));
 
     // The readable report names the variable a warning points at.
-    const HostOutcome text = RunCommandLine({"run", dir.Path("s.json"), dir.Path("d.csv")});
+    const HostOutcome text = runText(dir);
     EXPECT_EQ(text.code, 0);
     for (const char* part : {"410037", "[variable y3]", "90% lower"})
         EXPECT_NE(text.out.find(part), std::string::npos) << part << " in " << text.out;
     EXPECT_EQ(text.out.find("exp("), std::string::npos) << text.out;
     // --quiet leaves the tables out but not the warnings.
-    const HostOutcome quiet = RunCommandLine({"run", dir.Path("s.json"), dir.Path("d.csv"), "--quiet"});
+    const HostOutcome quiet = runText(dir, {"--quiet"});
     EXPECT_EQ(quiet.out.find("90% lower"), std::string::npos) << quiet.out;
     EXPECT_NE(quiet.out.find("[variable y3]"), std::string::npos) << quiet.out;
-}
 
-TEST(Host, HugeBinomialFactorIsKeptAsItsLogarithm) {
-    bsntest::TempDir dir;
-    const std::string settings = R"({"ModelType": 0, "TestDistType": 1, "Factors": ["v"], "FactorSizes": [2],
+    // A factor below the smallest double is kept as its logarithm (warning 410041).
+    const JsonRun huge = runJson(dir, R"({"ModelType": 0, "TestDistType": 1, "Factors": ["v"], "FactorSizes": [2],
         "FrequencyWeightVar": "w", "AnalysType": "Bayes Factor", "NullPrior1s": [10000], "NullPrior2s": [1],
-        "AlterPrior1s": [1], "AlterPrior2s": [1]})";
-    HostOutcome run;
-    const json doc = runJson(dir, settings, "v,w\n0,1000\n", run);
-    ASSERT_EQ(run.code, 0) << run.err;
-    const double logBf = lbeta(1e4, 1001) + lbeta(1, 1) - lbeta(1, 1001) - lbeta(1e4, 1);
-    ASSERT_LT(logBf, -708.0);
-    const json& r = doc["results"];
-    EXPECT_EQ(r["GetIsLogBayesFactor"], json({true}));
-    EXPECT_NEAR(r["GetBayesFactors"][0].get<double>(), logBf, 1e-9 * std::fabs(logBf));
-    EXPECT_NE(doc["warnings"].dump().find("\"code\":410041"), std::string::npos) << doc["warnings"].dump();
-    const HostOutcome text = RunCommandLine({"run", dir.Path("s.json"), dir.Path("d.csv")});
-    EXPECT_NE(text.out.find(fmt::format("exp({:.6g})", logBf)), std::string::npos) << text.out;
+        "AlterPrior1s": [1], "AlterPrior2s": [1]})", "v,w\n0,1000\n");
+    ASSERT_EQ(huge.code, 0) << huge.err;
+    const double hugeLogBf = lbeta(1e4, 1001) + lbeta(1, 1) - lbeta(1, 1001) - lbeta(1e4, 1);
+    ASSERT_LT(hugeLogBf, -708.0);
+    EXPECT_EQ(huge.doc["results"]["GetIsLogBayesFactor"], json({true}));
+    EXPECT_NEAR(huge.doc["results"]["GetBayesFactors"][0].get<double>(), hugeLogBf, 1e-9 * std::fabs(hugeLogBf));
+    EXPECT_NE(huge.doc["warnings"].dump().find("\"code\":410041"), std::string::npos) << huge.doc["warnings"].dump();
+    EXPECT_NE(runText(dir).out.find(fmt::format("exp({:.6g})", hugeLogBf)), std::string::npos);
 }
 
 TEST(Host, PoissonRunMatchesClosedForms) {
     bsntest::TempDir dir;
     // Counts are floored (2.7 -> 2); -1 and missing values are skipped.
     const std::string data = "c,w\n3,1\n2.7,2\n-1,1\nNA,4\n0,1\n5,3\n";
-    const std::string settings = R"({"ModelType": 0, "TestDistType": "Poisson", "Covariates": ["c"],
+    const JsonRun run = runJson(dir, R"({"ModelType": 0, "TestDistType": "Poisson", "Covariates": ["c"],
         "FrequencyWeightVar": "w", "AnalysType": 2, "NullPrior1s": [4], "NullPrior2s": [2], "AlterPrior1s": [1],
-        "AlterPrior2s": [0.5], "PriorParam1": 2, "PriorParam2": 0.5})";
-    HostOutcome run;
-    const json doc = runJson(dir, settings, data, run);
+        "AlterPrior2s": [0.5], "PriorParam1": 2, "PriorParam2": 0.5})", data);
     ASSERT_EQ(run.code, 0) << run.err;
-    const json& r = doc["results"];
+    const json& r = run.doc["results"];
     EXPECT_EQ(r["GetOutputType"], 1);
     const double N = 1 + 2 + 1 + 3, S = 3 + 2 * 2 + 0 + 5 * 3;
     auto term = [&](double a, double b) { return a * std::log(b) - std::lgamma(a) + std::lgamma(a + S) - (a + S) * std::log(b + N); };
@@ -209,12 +200,10 @@ void checkNormalRow(const json& r, int i, const std::vector<double>& v, double m
 TEST(Host, NormalRunMatchesClosedForms) {
     bsntest::TempDir dir;
     const std::string data = "a,b,c\n1.2,10,5\n2.3,NA,5\n3.1,12.5,5\n4.8,9,5\n2.2,11,5\n0.4,14,5\n3.9,.,5\n";
-    const std::string settings = R"({"ModelType": "One-Sample", "TestDistType": "Normal", "Covariates": ["a", "b", "c"],
-        "AnalysType": "Both", "NullValues": [1, 10, 0]})";
-    HostOutcome run;
-    const json doc = runJson(dir, settings, data, run, {"--plots", dir.Path("plots")});
+    const JsonRun run = runJson(dir, R"({"ModelType": "One-Sample", "TestDistType": "Normal",
+        "Covariates": ["a", "b", "c"], "AnalysType": "Both", "NullValues": [1, 10, 0]})", data);
     ASSERT_EQ(run.code, 0) << run.err;
-    const json& r = doc["results"];
+    const json& r = run.doc["results"];
     EXPECT_EQ(r["GetOutputType"], 2);
     checkNormalRow(r, 0, {1.2, 2.3, 3.1, 4.8, 2.2, 0.4, 3.9}, 1);
     // b has 5 values: too few for the diffuse posterior (warning 410027), but a t test.
@@ -225,9 +214,8 @@ TEST(Host, NormalRunMatchesClosedForms) {
     EXPECT_TRUE(r["GetTValues"][2].is_null());
     EXPECT_TRUE(r["GetBayesFactors"][2].is_null());
     for (const auto& [code, datum] : {std::pair{410010, 2}, {410027, 1}})
-        EXPECT_TRUE(std::any_of(doc["warnings"].begin(), doc["warnings"].end(),
+        EXPECT_TRUE(std::any_of(run.doc["warnings"].begin(), run.doc["warnings"].end(),
                                 [&](const json& w) { return w["code"] == code && w["datum"] == datum; })) << code;
-    EXPECT_NE(bsntest::TempDir::Read(dir.Path("plots/a.svg")).find("prior: flat"), std::string::npos);
 }
 
 TEST(Host, RelatedRunMatchesClosedForms) {
@@ -242,40 +230,35 @@ TEST(Host, RelatedRunMatchesClosedForms) {
         diff.push_back(before[i] - after[i]);
     }
     data += "last,NA,150\n";  // half a pair: not counted
-    const std::string settings = R"({"ModelType": "Related", "Covariates": ["pre"], "2ndRelatedList": ["post"],
-        "AnalysType": "Both"})";
-    HostOutcome run;
-    const json doc = runJson(dir, settings, data, run);
+    const JsonRun run = runJson(dir, R"({"ModelType": "Related", "Covariates": ["pre"], "2ndRelatedList": ["post"],
+        "AnalysType": "Both"})", data);
     ASSERT_EQ(run.code, 0) << run.err;
-    const json& r = doc["results"];
+    const json &doc = run.doc, &r = doc["results"];
     EXPECT_EQ(r["GetOutputType"], 3);
-    // The indices name the pair through the columns list.
     EXPECT_EQ(doc["columns"], json({"note", "post", "pre"}));
     EXPECT_EQ(doc["columns"][r["GetVarIndices"][0].get<int>()], "pre");
     EXPECT_EQ(doc["columns"][r["GetSecondVarIndices"][0].get<int>()], "post");
     checkNormalRow(r, 0, diff, 0);
-    const HostOutcome text = RunCommandLine({"run", dir.Path("s.json"), dir.Path("d.csv")});
-    EXPECT_NE(text.out.find("pre - post"), std::string::npos) << text.out;
+    EXPECT_NE(runText(dir).out.find("pre - post"), std::string::npos);
 }
 
-// Every example runs in the report tests; here one runs as a process.
+// Every example runs in the report tests; here one runs as a process, its
+// JSON document alone on stdout and the readable status on stderr.
 TEST(Host, BinaryWritesTheJsonDocumentAloneToStdout) {
     bsntest::TempDir dir;
-    const HostOutcome r = runBinary(dir, fmt::format("run {0}/examples/normal.json {0}/examples/normal.csv --json -",
-                                                     BSN_SOURCE_DIR));
-    EXPECT_EQ(r.code, 0) << r.err;
-    const json doc = json::parse(r.out);
-    EXPECT_EQ(doc["status"]["code"], 0);
-    EXPECT_EQ(doc["model_built"], true);
-    EXPECT_NE(r.err.find("Status: OK"), std::string::npos) << r.err;  // the readable status
+    const std::string out = dir.Path("stdout.txt"), err = dir.Path("stderr.txt");
+    const int status = std::system(fmt::format("{0} run {1}/examples/normal.json {1}/examples/normal.csv --json - >{2} 2>{3}",
+                                               BSN_BINARY, BSN_SOURCE_DIR, out, err).c_str());
+    EXPECT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 0) << bsntest::TempDir::Read(err);
+    EXPECT_EQ(json::parse(bsntest::TempDir::Read(out))["model_built"], true);
+    EXPECT_NE(bsntest::TempDir::Read(err).find("Status: OK"), std::string::npos) << bsntest::TempDir::Read(err);
 }
 
+// The library's own texts and cancellation are checked through the failure documents.
 TEST(Host, StatusMessagesComeFromTheTablesOrSayTheCode) {
     EXPECT_EQ(bsncli::StatusMessage(0), "");
-    EXPECT_EQ(bsncli::StatusMessage(410003), "Error: No valid cases were found");
     EXPECT_EQ(bsncli::StatusMessage(420001),
               "Warning: numerical integration did not converge within the iteration limit");
-    EXPECT_EQ(bsncli::StatusMessage(1), "The analysis was cancelled");
     EXPECT_EQ(bsncli::StatusMessage(410005), "status code 410005");  // an unassigned code
     EXPECT_EQ(bsncli::StatusMessage(999), "status code 999");
 }

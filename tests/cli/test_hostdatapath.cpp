@@ -44,9 +44,10 @@ struct CtrlCAt : MCCommon_850::MCQueryCancel {
     mutable long calls = 0;
 };
 
-void expectFailureDocument(const json& doc, int code, const std::string& message, const std::string& what) {
+void expectFailureDocument(const json& doc, const std::set<int>& codes, const std::string& message,
+                           const std::string& what) {
     ASSERT_TRUE(doc.is_object()) << what;
-    EXPECT_EQ(doc["status"]["code"], code) << what << ": " << doc.dump();
+    EXPECT_EQ(codes.count(doc["status"]["code"].get<int>()), 1u) << what << ": " << doc.dump();
     EXPECT_EQ(doc["status"]["error"], true) << what;
     EXPECT_NE(doc["status"]["message"].get<std::string>().find(message), std::string::npos)
         << what << ": " << doc["status"]["message"];
@@ -107,7 +108,7 @@ TEST(HostDataPath, EveryFailureWritesAJsonDocument) {
             const std::string text = toStdout ? r.out : bsntest::TempDir::Read(dir.Path("r.json"));
             // On stdout the document is all there is.
             const json doc = json::parse(text, nullptr, false);
-            expectFailureDocument(doc, c.code, c.message, c.message);
+            expectFailureDocument(doc, {c.code}, c.message, c.message);
             // The columns are there once the data file's header was read.
             if (c.code != 420061 && c.code != 420060) {
                 EXPECT_EQ(doc["columns"], json({"x", "y"})) << c.message;
@@ -134,7 +135,7 @@ TEST(HostDataPath, CtrlCIsHonouredInEveryPhase) {
     cancelled.Cancel();
     options.cancel = &cancelled;
     EXPECT_EQ(bsntest::RunHost(options).code, 1);
-    expectFailureDocument(json::parse(bsntest::TempDir::Read(options.jsonPath)), 1, "The analysis was cancelled",
+    expectFailureDocument(json::parse(bsntest::TempDir::Read(options.jsonPath)), {1}, "The analysis was cancelled",
                           "cancelled before the run");
 
     std::map<std::string, int> phases;  // phase -> questions at which Ctrl-C stopped the run there
@@ -155,11 +156,7 @@ TEST(HostDataPath, CtrlCIsHonouredInEveryPhase) {
         ++phases[r.err.substr(at + 33, r.err.find('\n', at) - at - 33)];
         // Nothing but the failure document is left, not even a temporary file.
         EXPECT_EQ(filesUnder(dir.Path("out")), std::set<std::string>{"r.json"}) << k;
-        const json doc = json::parse(bsntest::TempDir::Read(options.jsonPath));
-        const int code = doc["status"]["code"];
-        EXPECT_TRUE(code == 1 || code == 410016) << k << ": " << doc.dump();
-        EXPECT_EQ(doc["model_built"], false);
-        EXPECT_TRUE(doc["results"].is_null());
+        expectFailureDocument(json::parse(bsntest::TempDir::Read(options.jsonPath)), {1, 410016}, "", std::to_string(k));
     }
     std::set<std::string> names;
     for (const auto& [name, count] : phases) names.insert(name);

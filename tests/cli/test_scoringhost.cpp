@@ -10,14 +10,8 @@
 #include "tests/cli/hostrun.h"
 #include "tests/cli/tempfiles.h"
 #include "tests/pmml/pmmlevaluator.h"
-#include "tests/pmml/pmmlschemacheck.h"
 
 namespace {
-
-bsntest::HostOutcome run(std::vector<std::string> args) {
-    args.insert(args.begin(), "run");
-    return bsntest::RunCommandLine(args);
-}
 
 std::string example(const std::string& name) { return std::string(BSN_SOURCE_DIR) + "/examples/" + name; }
 
@@ -45,14 +39,13 @@ TEST(ScoringHost, ExamplesWritePmmlAndScoresThatAgree) {
     bsntest::TempDir dir;
     for (const std::string name : {"regression", "anova"}) {
         const std::string pmml = dir.Path(name + ".pmml"), scores = dir.Path(name + "_scores.csv");
-        const auto r = run({example(name + ".json"), example(name + ".csv"), "--pmml", pmml, "--pmml-covariance",
+        const auto r = bsntest::RunCommandLine({"run", example(name + ".json"), example(name + ".csv"), "--pmml", pmml, "--pmml-covariance",
                                "--score", example(name + "_new.csv"), "--scores", scores});
         ASSERT_EQ(r.code, 0) << r.err;
         EXPECT_NE(r.out.find("PMML: model written to " + pmml), std::string::npos) << r.out;
 
-        const std::string xml = bsntest::TempDir::Read(pmml);
-        EXPECT_EQ(pmmltest::SchemaProblems(xml), "");
-        const pmmltest::GeneralRegressionEvaluator model(xml);
+        // The document's structure is checked with the exporter; here it must predict the scores.
+        const pmmltest::GeneralRegressionEvaluator model(bsntest::TempDir::Read(pmml));
         EXPECT_FALSE(model.covariance.empty());
 
         // The new file's columns, then the scores; the PMML document predicts the same means.
@@ -79,7 +72,7 @@ TEST(ScoringHost, ExamplesWritePmmlAndScoresThatAgree) {
     }
     EXPECT_EQ(fileCount(dir), 4);
     // Scores on standard output replace the tables.
-    const auto r = run({example("anova.json"), example("anova.csv"), "--score", example("anova_new.csv")});
+    const auto r = bsntest::RunCommandLine({"run", example("anova.json"), example("anova.csv"), "--score", example("anova_new.csv")});
     ASSERT_EQ(r.code, 0) << r.err;
     EXPECT_EQ(r.out.rfind("plot,treatment,predicted_mode,", 0), 0u) << r.out;
     EXPECT_NE(r.err.find("Status: OK"), std::string::npos) << r.err;
@@ -98,23 +91,23 @@ TEST(ScoringHost, ErrorsNameTheirCauseAndLeaveNoFiles) {
         std::vector<std::string> args;
         std::string message;
     } cases[] = {
-        {{settings, data, "--score", unseen, "--scores", out},
+        {{"run", settings, data, "--score", unseen, "--scores", out},
          unseen + ":3: column 'diet': value 'vegan' of the factor does not occur in the training data"},
-        {{settings, data, "--score", noColumn, "--scores", out}, noColumn + ": no column 'age'"},
-        {{settings, data, "--score", badNumber, "--scores", out}, badNumber + ":2: column 'age': 'thirty' is not a"},
-        {{example("normal.json"), example("normal.csv"), "--pmml", pmml},
+        {{"run", settings, data, "--score", noColumn, "--scores", out}, noColumn + ": no column 'age'"},
+        {{"run", settings, data, "--score", badNumber, "--scores", out}, badNumber + ":2: column 'age': 'thirty' is not a"},
+        {{"run", example("normal.json"), example("normal.csv"), "--pmml", pmml},
          "--pmml works on regression (model type 4) and ANOVA (model type 5) models; the settings give model type 0"},
-        {{settings, data, "--score", unseen, "--json", "-"}, "cannot both go to standard output"},
-        {{bf, example("anova.csv"), "--pmml", pmml, "--pmml-covariance"},
+        {{"run", settings, data, "--score", unseen, "--json", "-"}, "cannot both go to standard output"},
+        {{"run", bf, example("anova.csv"), "--pmml", pmml, "--pmml-covariance"},
          "--pmml-covariance: the model has no posterior covariance"},
     };
     for (const auto& c : cases) {
-        const auto r = run(c.args);
+        const auto r = bsntest::RunCommandLine(c.args);
         EXPECT_EQ(r.code, 2) << c.message << "\n" << r.err;
         EXPECT_NE(r.err.find(c.message), std::string::npos) << r.err;
     }
     EXPECT_EQ(fileCount(dir), 4) << "an output or a temporary file was left";
     // Without a posterior the document is written, without a covariance.
-    ASSERT_EQ(run({bf, example("anova.csv"), "--pmml", pmml}).code, 0);
-    EXPECT_EQ(pmmltest::SchemaProblems(bsntest::TempDir::Read(pmml)), "");
+    EXPECT_EQ(bsntest::RunCommandLine({"run", bf, example("anova.csv"), "--pmml", pmml}).code, 0);
+    EXPECT_TRUE(pmmltest::GeneralRegressionEvaluator(bsntest::TempDir::Read(pmml)).covariance.empty());
 }
