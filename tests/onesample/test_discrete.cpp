@@ -1,6 +1,5 @@
-// The one-sample binomial and Poisson procedures: factors and posteriors
-// against closed forms, and what they share (build errors,
-// frequency weights, progress and cancellation), each case run for both.
+// The one-sample binomial and Poisson procedures: factors and posteriors against closed forms,
+// and what they share (build errors, frequency weights, progress and cancellation), run for both.
 #include <gtest/gtest.h>
 
 #include <cmath>
@@ -41,12 +40,7 @@ double gammaCdfInt(double x, int shape, double rate) {
     return 1.0 - sum;
 }
 
-BSNSettings poissonSettings(std::vector<int> covariates, C::AnalysTypes type) {
-    return discreteSettings(C::Poisson, covariates, type, 2, 1, 1.5, 0.5);
-}
-
-// `n` equally spaced arguments whose ends are the `level` and 1 − `level`
-// points of `cdf`.
+// `n` equally spaced arguments whose ends are the `level` and 1 − `level` points of `cdf`.
 void expectDomain(const std::vector<double>& args, std::size_t n, double level,
                   const std::function<double(double)>& cdf) {
     ASSERT_EQ(args.size(), n);
@@ -56,8 +50,7 @@ void expectDomain(const std::vector<double>& args, std::size_t n, double level,
     for (std::size_t k = 1; k < n; ++k) EXPECT_NEAR(args[k] - args[k - 1], step, 1e-12 * args.back());
 }
 
-// Test variables `vars`; posterior prior (1, 1), alternative Beta(1, 1) or
-// Gamma(1.5, 0.5).
+// Test variables `vars`; posterior prior (1, 1), alternative Beta(1, 1) or Gamma(1.5, 0.5).
 BSNSettings settingsFor(C::DistTypes dist, C::AnalysTypes type, const std::vector<int>& vars = {1}) {
     const bool bino = dist == C::Binomial;
     return discreteSettings(dist, vars, type, 1, 1, bino ? 1.0 : 1.5, bino ? 1.0 : 0.5);
@@ -65,7 +58,7 @@ BSNSettings settingsFor(C::DistTypes dist, C::AnalysTypes type, const std::vecto
 
 } // namespace
 
-TEST(OneSampleBinomial, BayesFactorsMatchClosedFormAndIntegratedMarginals) {
+TEST(OneSampleBinomial, BayesFactorsMatchClosedForm) {
     BSNSettings s = settingsFor(C::Binomial, C::BayesFactor, {0, 1, 2});
     // v0: default null Beta(2, 2) against Beta(1, 1); v1: improper Beta(0, 0)
     // alternative; v2: null Beta(3, 5) against Beta(2, 0.5).
@@ -132,8 +125,7 @@ TEST(OneSampleBinomial, PosteriorSummariesModesAndIntervals) {
 }
 
 TEST(OneSampleBinomial, PlotGridCurvesMissingDataOrAlternativeAndFlatOrImproperPriors) {
-    // v0: n 7 x 3; v1: n 7 x 6; v2 no valid value; v3 (n 4 x 3) without an
-    // alternative prior.
+    // v0: n 7 x 3; v1: n 7 x 6; v2 no valid value; v3 (n 4 x 3) without an alternative prior.
     BSNSettings s = settingsFor(C::Binomial, C::Both, {0, 1, 2, 3});
     s.SetPriorParam1(2.0);
     s.SetPriorParam2(3.0);
@@ -154,8 +146,7 @@ TEST(OneSampleBinomial, PlotGridCurvesMissingDataOrAlternativeAndFlatOrImproperP
         EXPECT_NEAR(out->GetPlotPosterior()[0][k], betaPdf(t[k], 5, 7), 1e-9);
         EXPECT_NEAR(out->GetPlotPosterior()[1][k], betaPdf(t[k], 8, 4), 1e-9);
     }
-    // v2: warning 410037 naming it, nothing else; v3: warning 410018, no
-    // factor, but its posterior Beta(5, 4) is still made.
+    // v2: warning 410037 naming it, nothing else; v3: 410018, no factor, but its posterior Beta(5, 4).
     EXPECT_TRUE(run.HasWarning(410037, 2) && !run.HasWarning(410037, 0) && run.HasWarning(410018, 3));
     EXPECT_EQ(run.Count(410018), 1) << testing::PrintToString(run.WarningCodes());
     EXPECT_FALSE(isMissing(out->GetBayesFactors()[0]));
@@ -186,8 +177,8 @@ TEST(OneSampleBinomial, PlotGridCurvesMissingDataOrAlternativeAndFlatOrImproperP
     EXPECT_TRUE(none.HasWarning(410037, 0));
 }
 
-TEST(OneSamplePoisson, BayesFactorsMatchClosedFormAndIntegratedMarginals) {
-    BSNSettings s = poissonSettings({0, 1, 2}, C::BayesFactor);
+TEST(OneSamplePoisson, BayesFactorsMatchClosedForm) {
+    BSNSettings s = settingsFor(C::Poisson, C::BayesFactor, {0, 1, 2});
     s.SetAlterPrior1s({1.5, 1.5});  // nothing for v2
     s.SetAlterPrior2s({0.5, 0.5});
     // v0: 2.7 counts as 2, −1 and missing are skipped: N 5, S 10.
@@ -215,8 +206,8 @@ TEST(OneSamplePoisson, BayesFactorsMatchClosedFormAndIntegratedMarginals) {
 }
 
 TEST(OneSamplePoisson, PosteriorSummariesAndCredibleLimits) {
-    BSNSettings s = poissonSettings({0, 1}, C::Posterior);
-    // Prior Gamma(2, 1); v0: N 5, S 10 -> Gamma(12, 6); v1: no case.
+    BSNSettings s = settingsFor(C::Poisson, C::Posterior, {0, 1});
+    s.SetPriorParam1(2.0);  // prior Gamma(2, 1); v0: N 5, S 10 -> Gamma(12, 6); v1: no case
     Build run(s, {{2, 2, 2, 2, 2}, {kMiss, kMiss, kMiss, kMiss, kMiss}});
     ASSERT_TRUE(run.status.IsOK());
     const auto* out = &run.Result<BSN1SamplePoisnOutputStats>();
@@ -248,7 +239,7 @@ TEST(OneSamplePoisson, PosteriorSummariesAndCredibleLimits) {
 }
 
 TEST(OneSamplePoisson, PlotCurvesCoverTheirOwnCentralMass) {
-    BSNSettings s = poissonSettings({0}, C::Both);
+    BSNSettings s = settingsFor(C::Poisson, C::Both, {0});
     s.SetPriorParam1(3.0);
     s.SetPriorParam2(2.0);
     // N 4, S 7: likelihood ~ Gamma(8, 4), prior Gamma(3, 2), posterior Gamma(10, 6).
@@ -266,9 +257,8 @@ TEST(OneSamplePoisson, PlotCurvesCoverTheirOwnCentralMass) {
         EXPECT_NEAR(out->GetPlotPosterior()[0][k], gammaPdf(qa[k], 10, 6), 1e-12);
     }
 
-    // An improper prior Gamma(0, 0) at another level and number of points:
-    // a flat line over the posterior's domain, the posterior then the
-    // normalised likelihood Gamma(7, 4).
+    // An improper prior Gamma(0, 0) at another level and number of points: a flat line over the
+    // posterior's domain, the posterior then the normalised likelihood Gamma(7, 4).
     s.SetPlotDomainLevel(0.02);
     s.SetNPlotPoints(7);
     s.SetPriorParam1(0.0);
@@ -301,8 +291,7 @@ TEST(OneSampleDiscrete, BuildErrors) {
         s.SetPriorType(C::Reference);
         Build reference(s, {{1, 1}, {1, 0}});
         EXPECT_TRUE(reference.status.IsError() && reference.status.GetCode() == 410017) << reference.status.GetCode();
-        // A missing posterior parameter ends the build; the factor stage's
-        // warning raised before it survives.
+        // A missing posterior parameter ends the build; the factor stage's earlier warning survives.
         s.SetPriorType(C::Conjugate);
         s.SetPriorParam2(kMiss);
         s.SetAlterPrior1s({});
@@ -336,8 +325,7 @@ TEST(OneSampleDiscrete, ProgressAndCancellation) {
             EXPECT_EQ(run.status.GetCode(), 1);
             EXPECT_EQ(run.component.GetOutputStats(), nullptr);
         }
-        // One raised after the pass (from the final report) skips the
-        // remaining stages and the result without an error.
+        // One raised after the pass (from the final report) skips the rest and the result, no error.
         MCCommon_850::MCAtomicCancel flag;
         s.SetCancelPointer(&flag);
         listener.onNotify = [&] {

@@ -1,6 +1,5 @@
-// The one-sample normal procedure end to end through the component; its
-// factor stage on given accumulators; and the small helpers of
-// BSN1SampleNormalUtils it shares with related samples.
+// The one-sample normal procedure end to end through the component, its factor stage on given
+// accumulators, and the small helpers of BSN1SampleNormalUtils it shares with related samples.
 #include <gtest/gtest.h>
 
 #include <cmath>
@@ -45,8 +44,8 @@ double normalPdf(double x, double mean, double var) {
     return std::exp(-(x - mean) * (x - mean) / (2.0 * var)) / std::sqrt(2.0 * std::acos(-1.0) * var);
 }
 
-// Test variables from raw values with whole weights: the accumulators, and
-// standard errors from a two-pass variance as the driver stores them.
+// Test variables from raw values with whole weights: the accumulators, and standard errors
+// from a two-pass variance as the driver stores them. N 10; constant; one case; N 7 by weights.
 struct Data {
     std::vector<MCMath_850::MCContStats> stats;
     std::vector<double> se, mean;
@@ -60,7 +59,6 @@ struct Data {
     }
 };
 
-// N 10; constant; one case; N 7 by weights.
 Data sample() {
     Data d;
     d.add({4.1, 5.3, 6.2, 3.8, 5.9, 4.4, 5.0, 6.8, 5.5, 4.9});
@@ -95,10 +93,9 @@ Outcome run(BSNSettings s, const Data& d, MCCommon_850::MCQueryCancel* query = n
 } // namespace
 
 TEST(NormalDriver, WeightsAndMissingValuesPerVariable) {
-    // Weights 2.4, 2.5, 0.49, -3 and missing count as 2, 3, 0, 0, 0 cases.
-    // Variable 1 is missing where variable 2 is present and the other way
-    // round; NaN and infinity count as missing; each keeps its own cases
-    // (listwise deletion changes nothing here).
+    // Weights 2.4, 2.5, 0.49, -3 and missing count as 2, 3, 0, 0, 0 cases. Variable 1 is missing where
+    // variable 2 is present and the other way round; NaN and infinity count as missing; each keeps its
+    // own cases (listwise deletion changes nothing here).
     const std::vector<double> w = {2.4, 2.5, 0.49, -3.0, kMiss, 1.0, 1.0};
     const std::vector<double> a = {1.0, 5.0, 100.0, 200.0, 300.0, std::nan(""), 7.25};
     const std::vector<double> b = {kMiss, 10.0, 12.5, kMiss, 9.0, 11.0, HUGE_VAL};
@@ -123,9 +120,8 @@ TEST(NormalDriver, WeightsAndMissingValuesPerVariable) {
 }
 
 TEST(NormalDriver, ConstantAndTooSmallVariablesAndTheWiredTTest) {
-    // v0: mean 3 against null value 3, t = 0, so the Simple factor is
-    // sqrt(1 + N g). v1 constant, v2 one case, v3 none. v4: the textbook
-    // one-sample t.
+    // v0: mean 3 against null value 3, t = 0, so the Simple factor is sqrt(1 + N g). v1 constant,
+    // v2 one case, v3 none. v4: the textbook one-sample t.
     const std::vector<double> y = {2.2, 3.9, 3.1, 5.6, 4.4};
     BSNSettings s = oneSampleNormal({0, 1, 2, 3, 4}, BC::Both);
     s.SetEstBFType(BC::Simple);
@@ -148,8 +144,7 @@ TEST(NormalDriver, ConstantAndTooSmallVariablesAndTheWiredTTest) {
     const double t = (m.mean - 2.5) / std::sqrt(m.var / m.n);
     EXPECT_NEAR(o.GetTValues()[4], t, 1e-10);
     EXPECT_NEAR(o.GetSigs()[4], 2 * bm::cdf(bm::complement(bm::students_t(4.0), std::fabs(t))), 1e-10);
-    // Constant: sd and se 0, df N - 1, the mean. One case: df 0 and the
-    // mean, no spread. No case: N 0, everything else missing.
+    // Constant: sd and se 0, df N - 1, the mean. One case: df 0, the mean, no spread. None: N 0.
     EXPECT_EQ(o.GetNs(), (std::vector<double>{5.0, 3.0, 1.0, 0.0, 5.0}));
     const double want[3][4] = {{2.0, 2.5, 0.0, 0.0}, {0.0, 6.0, kMiss, kMiss}, {kMiss, kMiss, kMiss, kMiss}};
     for (int i = 1; i < 4; ++i) {  // df, mean, sd, se
@@ -162,8 +157,7 @@ TEST(NormalDriver, ConstantAndTooSmallVariablesAndTheWiredTTest) {
         EXPECT_FALSE(MCMV::IsMissing((*v)[0]) || MCMV::IsMissing((*v)[4]));
         for (int i = 1; i < 4; ++i) EXPECT_EQ((*v)[i], kMiss) << i;
     }
-    // The factor stage's settings error (a Simple factor without g values)
-    // reaches the component: no result.
+    // The factor stage's settings error (a Simple factor without g values) reaches the component.
     s.SetAlterGValues({});
     NormalRun bad(s, {y, y, y, y, y});
     EXPECT_EQ(bad.status.GetCode(), 410019);
@@ -177,10 +171,9 @@ TEST(NormalDriver, ErrorsAndCancellation) {
     EXPECT_EQ(empty.component.GetOutputStats(), nullptr);
     NormalRun noVariable(oneSampleNormal({}, BC::Posterior), {x});
     EXPECT_EQ(noVariable.status.GetCode(), 410004);
-    // A report every 2 records: 6 records give 2, 4, 6 (no repeat of 6).
-    // Cancelled at the first progress report (inside the pass: the bare
-    // status 1), or at the pass's final report after the last record
-    // (noticed between stages: 410016).
+    // A report every 2 records: 6 records give 2, 4, 6 (no repeat of 6). Cancelled at the first
+    // report (inside the pass: the bare status 1), or at the pass's final report after the last
+    // record (noticed between stages: 410016).
     for (const auto& [frequency, cancelAt, code, reported] :
          {std::tuple{2, 1000, 0, std::vector<int>{2, 4, 6}}, std::tuple{2, 1, 1, std::vector<int>{2}},
           std::tuple{100, 1, 410016, std::vector<int>{6}}}) {
@@ -197,8 +190,7 @@ TEST(NormalDriver, ErrorsAndCancellation) {
         EXPECT_EQ(r.component.GetOutputStats() == nullptr, code != 0);
         EXPECT_EQ(listener.records, reported);
     }
-    // Cancel pointer handed over after construction, cancelled before the
-    // build: seen right after the first step, before any record.
+    // Cancel pointer handed over after construction, cancelled before the build: seen before any record.
     MCCommon_850::MCAtomicCancel cancel;
     cancel.Cancel();
     std::vector<std::vector<double>> cols = {x};
@@ -209,9 +201,8 @@ TEST(NormalDriver, ErrorsAndCancellation) {
 }
 
 TEST(NormalDriver, ResultObjects) {
-    // Posterior-only results have no factor vectors, factor-only ones no
-    // posterior. The one-sample and the related result share a base but not
-    // their class (the host dispatches on it). A refill sanitises.
+    // Posterior-only results have no factor vectors, factor-only ones no posterior. The one-sample and
+    // related results share a base but not their class (the host dispatches on it). A refill sanitises.
     const std::vector<double> x = {1.0, 2.0, 4.0, 3.5, 2.2, 3.3};
     NormalRun r(oneSampleNormal({0}, BC::Posterior), {x}), f(oneSampleNormal({0}, BC::BayesFactor), {x});
     const auto& o = output(r);
@@ -226,17 +217,14 @@ TEST(NormalDriver, ResultObjects) {
     EXPECT_EQ(copy.GetBayesFactors(), std::vector<double>{kMiss});
     EXPECT_EQ(copy.GetLogBayesFactors(), std::vector<double>{kMiss});
     EXPECT_EQ(copy.GetMeanValues(), std::vector<double>{12});
-    EXPECT_EQ(o.GetVarIndices(), std::vector<int>{0});
 }
 
 TEST(BSN1SampleNormalUtils, WeightsAndIntervalsThatCannotBeFormed) {
-    // The frame's rounding (checked there) of the weight's own field; a
-    // field outside the record weighs 0.
+    // The frame's rounding (checked there) of the weight's own field; a field outside the record weighs 0.
     const double row[2] = {7.0, 2.5};
     EXPECT_EQ(BSN1SampleNormalUtils::GetWeight(1, MCCommon_850::Record(row, 2)), 3.0);
     EXPECT_EQ(BSN1SampleNormalUtils::GetWeight(5, MCCommon_850::Record(row, 2)), 0.0);
-    // The intervals themselves are checked with every posterior; here the
-    // inputs that give none: no t with 0 df, a missing variance.
+    // The intervals are checked with every posterior; here inputs giving none: 0 df, a missing variance.
     double lo = 0.0, hi = 0.0;
     EXPECT_FALSE(BSN1SampleNormalUtils::ComputeCIT(0.05, 3.0, 4.0, 0.0, lo, hi));
     EXPECT_TRUE(MCMV::IsMissing(lo) && MCMV::IsMissing(hi));
@@ -245,8 +233,7 @@ TEST(BSN1SampleNormalUtils, WeightsAndIntervalsThatCannotBeFormed) {
 }
 
 TEST(NormalFactors, ClosedFormsAndTheirLogs) {
-    // Simple: at t = 0 the factor is sqrt(1 + N g); elsewhere the ratio of
-    // the two t likelihoods.
+    // Simple: at t = 0 the factor is sqrt(1 + N g); elsewhere the ratio of the two t likelihoods.
     for (const auto& [t, N, g] : {std::tuple{0.0, 1e9, 7.5}, std::tuple{1.7, 12.0, 1.0}, std::tuple{-3.2, 40.0, 0.5}}) {
         const double nu = N - 1.0, x = 1.0 + N * g;
         const double expected =
@@ -254,8 +241,7 @@ TEST(NormalFactors, ClosedFormsAndTheirLogs) {
         EXPECT_LT(rel(simple(t, N, g).first, expected), 1e-12);
         EXPECT_NEAR(simple(t, N, g).second, std::log(expected), 1e-12);
     }
-    // Known variance: the density of the sample mean under the null
-    // (variance s2/N) over that under the alternative (s2/N + g s2).
+    // Known variance: the sample mean's density under the null (variance s2/N) over the alternative's (s2/N + g s2).
     for (const auto& [N, g, mu0, s2, M] : {std::tuple{10.0, 1.0, 0.0, 2.0, 0.7}, std::tuple{50.0, 0.3, 5.0, 9.0, 4.1},
                                           std::tuple{25.0, 2.0, 3.0, 4.0, 3.0}}) {
         const double expected = normalPdf(M, mu0, s2 / N) / normalPdf(M, mu0, s2 / N + g * s2);
@@ -263,8 +249,7 @@ TEST(NormalFactors, ClosedFormsAndTheirLogs) {
         EXPECT_NEAR(known(N, g, mu0, s2, M).second, std::log(expected), 1e-12);
     }
     EXPECT_EQ(known(10.0, 1.0, kMiss, 2.0, 0.7), known(10.0, 1.0, 0.0, 2.0, 0.7));  // missing null value: 0
-    // A zero variance: a point mass away from the mean gives 0 (no log), at
-    // it sqrt(1 + N g).
+    // A zero variance: a point mass away from the mean gives 0 (no log), at it sqrt(1 + N g).
     EXPECT_EQ(known(10.0, 1.0, 0.0, 0.0, 0.7).first, 0.0);
     EXPECT_TRUE(MCMV::IsMissing(known(10.0, 1.0, 0.0, 0.0, 0.7).second));
     EXPECT_LT(rel(known(10.0, 1.0, 0.7, 0.0, 0.7).first, std::sqrt(11.0)), 1e-14);
@@ -282,8 +267,7 @@ TEST(NormalFactor, TTestAndJZSLoop) {
     s.SetNullValues({5.0, 2.0, kMiss, kMiss});
     const Outcome r = run(s, d);
     ASSERT_TRUE(r.status.IsOK());
-    // t against the null value (missing entries count as 0); two-sided
-    // significance from the incomplete beta function.
+    // t against the null value (missing counts as 0); two-sided significance from the incomplete beta.
     const double t0 = (d.mean[0] - 5.0) / d.se[0], t3 = d.mean[3] / d.se[3];
     EXPECT_NEAR(r.t[0], t0, 1e-12);
     EXPECT_NEAR(r.t[3], t3, 1e-12);
@@ -326,8 +310,7 @@ TEST(NormalFactor, SimpleAndKnownVarianceLoopsRulesAndCancellation) {
     EXPECT_EQ(noG.status.GetCode(), 410019);
     for (double v : noG.bf) EXPECT_TRUE(MCMV::IsMissing(v));
     EXPECT_FALSE(MCMV::IsMissing(noG.t[0]));
-    // Cancelled before the factors (t values only), or before the second
-    // variable of the Simple loop (the first stays).
+    // Cancelled before the factors (t values only), or before the Simple loop's second variable.
     s.SetAlterGValues({1.0, 1.0, 1.0, 3.0});
     bsntest::CancelAfter now(0), later(2);
     const Outcome early = run(s, d, &now), partial = run(s, d, &later);
@@ -338,8 +321,7 @@ TEST(NormalFactor, SimpleAndKnownVarianceLoopsRulesAndCancellation) {
     EXPECT_EQ(partial.bf[0], r.bf[0]);
     EXPECT_TRUE(MCMV::IsMissing(partial.bf[3]));
 
-    // Known variances: the density ratio for variable 0, none for the
-    // constant 1, JZS for 3 whose variance is missing.
+    // Known variances: the density ratio for variable 0, none for the constant 1, JZS for 3 (missing).
     s.SetEstBFType(BSNConst::JZS);
     s.SetDataVarVals({2.0, 1.0, 1.0, kMiss});
     s.SetAlterGValues({0.5, 1.0, 1.0, 2.0});
@@ -349,16 +331,15 @@ TEST(NormalFactor, SimpleAndKnownVarianceLoopsRulesAndCancellation) {
     EXPECT_LT(rel(k.bf[0], normalPdf(d.mean[0], 5.0, 0.2) / normalPdf(d.mean[0], 5.0, 0.2 + 0.5 * 2.0)), 1e-12);
     EXPECT_TRUE(MCMV::IsMissing(k.bf[1]));
     EXPECT_LT(rel(k.bf[3], jzsref::cutoffFactor(7.0, (d.mean[3] - 1.0) / d.se[3])), 1e-6);
-    // A g list of the wrong length stops at the first known variance; a
-    // factor computed before it stays, later ones are not made.
+    // A g list of the wrong length stops at the first known variance; a factor made before it stays.
     s.SetAlterGValues({0.5, 1.0});
     s.SetDataVarVals({kMiss, 1.0, 1.0, 2.0});
     const Outcome bad = run(s, d);
     EXPECT_EQ(bad.status.GetCode(), 410019);
     EXPECT_LT(rel(bad.bf[0], jzsref::cutoffFactor(10.0, (d.mean[0] - 5.0) / d.se[0])), 1e-6);
     EXPECT_TRUE(MCMV::IsMissing(bad.bf[3]));
-    // Variables without a t (constant, one case) need no fitting lists: no
-    // factor, no complaint. A null-value list of the wrong length stops too.
+    // Variables without a t (constant, one case) need no fitting lists: no factor, no complaint. A
+    // null-value list of the wrong length stops too.
     s.SetDataVarVals({kMiss, 1.0, 1.0, kMiss});
     EXPECT_TRUE(run(s, d).status.IsOK());
     s.SetAlterGValues({0.5, 1.0, 1.0, 2.0});

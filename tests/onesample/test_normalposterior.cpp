@@ -1,7 +1,6 @@
-// Posterior of a normal mean under every prior, run through the component
-// in posterior-only mode, against the textbook conjugate forms written out
-// here. (Each family's form was checked once against a brute-force
-// integration of likelihood x prior on a grid.)
+// Posterior of a normal mean under every prior, through the component in posterior-only mode,
+// against the textbook conjugate forms written out here (each checked once against a
+// brute-force integration of likelihood x prior on a grid).
 #include <gtest/gtest.h>
 
 #include <boost/math/distributions/normal.hpp>
@@ -73,8 +72,7 @@ void expectGrid(const std::vector<double>& args, double centre, double half, int
 
 } // namespace
 
-// Every unknown-variance family: the t posterior of the mean from the
-// textbook conjugate forms, and the three curves.
+// Every unknown-variance family: the t posterior from the conjugate forms, and the three curves.
 TEST(NormalPosterior, UnknownVarianceFamiliesMatchConjugateForms) {
     const double mu0 = 4.0, kappa0 = 2.0, n = kM.n, m = kM.mean, ss = (n - 1) * kM.var;
     const double kn = kappa0 + n, mun = (kappa0 * mu0 + n * m) / kn, shift = kappa0 * n / kn * std::pow(m - mu0, 2);
@@ -86,20 +84,16 @@ TEST(NormalPosterior, UnknownVarianceFamiliesMatchConjugateForms) {
         double priorVar;  // of the drawn prior curve; 0: flat
     };
     const std::vector<Case> cases = {
-        // mu, sigma^2 ~ N-Inv-chi^2(mu0, sigma^2/kappa0; nu0 3, s0^2 0.8): the
-        // prior curve uses the prior mode of sigma^2, nu0 s0^2/(nu0 + 2).
+        // N-Inv-chi^2(mu0, sigma^2/kappa0; nu0 3, s0^2 0.8); curve at sigma^2's mode nu0 s0^2/(nu0 + 2).
         {BC::Normal, BC::InverseChiSquare, 3.0, 0.8, kappa0, {mun, (3 * 0.8 + ss + shift) / (3 + n) / kn, 3 + n},
          3 * 0.8 / 5 / kappa0},
-        // tau = 1/sigma^2 ~ Gamma(2.5, rate 1.5): the curve uses the mode of
-        // the precision, (a - 1)/b.
+        // tau = 1/sigma^2 ~ Gamma(2.5, rate 1.5); curve at the precision's mode (a - 1)/b.
         {BC::Normal, BC::Gamma, 2.5, 1.5, kappa0, {mun, (1.5 + ss / 2 + shift / 2) / (2.5 + n / 2) / kn, 5 + n},
          1.5 / 1.5 / kappa0},
-        // chi-square with 1.5 df on tau: Gamma(0.75, 0.5), shape below 1, so
-        // the curve uses the mean precision a/b.
+        // Chi-square with 1.5 df on tau: Gamma(0.75, 0.5), shape below 1; curve at the mean precision a/b.
         {BC::Normal, BC::ChiSquare, 1.5, kMiss, kappa0, {mun, (0.5 + ss / 2 + shift / 2) / (0.75 + n / 2) / kn, 1.5 + n},
          0.5 / 0.75 / kappa0},
-        // sigma^2 ~ inverse gamma (1.7, 2.9) with no kappa (prior sample size
-        // 1): the curve uses the prior mode of sigma^2, b/(a + 1).
+        // sigma^2 ~ inverse gamma (1.7, 2.9), no kappa (prior size 1); curve at sigma^2's mode b/(a + 1).
         {BC::Normal, BC::InverseGamma, 1.7, 2.9, kMiss, {mun1, (2.9 + ss / 2 + shift1 / 2) / (1.7 + n / 2) / kn1, 3.4 + n},
          2.9 / 2.7},
         // Flat mean prior with sigma^2 to the power 0, -1, -2: df N-3, N-1, N+1.
@@ -119,16 +113,14 @@ TEST(NormalPosterior, UnknownVarianceFamiliesMatchConjugateForms) {
         EXPECT_TRUE(r.component.GetWarningMessages().IsEmpty());
         const auto& o = r.result<BSN1SampleNormOutputStats>();
         expectT(o, 0, c.post);
-        // Likelihood: arguments span the spread of single cases (M -/+ z s);
-        // the values are the log of the profile likelihood (sum of
-        // squares)^(-N/2) up to a constant, taken from the raw data.
+        // Likelihood over the spread of single cases (M -/+ z s): the log of the profile
+        // likelihood (sum of squares)^(-N/2) up to a constant, from the raw data.
         const auto& la = o.GetPlotArguments4Likelihoods()[0];
         expectGrid(la, m, kZ * std::sqrt(kM.var));
         const auto profile = [&](double mu) { return -n / 2 * std::log(sumSq(mu)); };
         for (std::size_t k = 1; k < la.size(); k += 11)
             EXPECT_NEAR(o.GetPlotLikelihoods()[0][k] - o.GetPlotLikelihoods()[0][0], profile(la[k]) - profile(la[0]), 1e-9);
-        // Prior: a normal curve on its own range, or the flat two-point line
-        // over the likelihood's arguments.
+        // Prior: a normal curve on its own range, or the flat two-point line over the likelihood's.
         const auto& pa = o.GetPlotArguments4Prior()[0];
         if (c.priorVar > 0) {
             expectGrid(pa, mu0, kZ * std::sqrt(c.priorVar));
@@ -150,8 +142,7 @@ TEST(NormalPosterior, UnknownVarianceFamiliesMatchConjugateForms) {
 
 TEST(NormalPosterior, KnownVarianceMatchesConjugateForm) {
     const double sigma2 = 0.6, mu0 = 4.0, tau02 = 0.25;
-    // Data variance known for variable 0 only; variable 1 (the same data)
-    // falls back to the unknown-variance routine.
+    // Variance known for variable 0 only; variable 1 (same data) falls back to the unknown-variance routine.
     BSNSettings s = posteriorSettings(BC::Normal, BC::InverseChiSquare, 2);
     s.SetMeanDistParam1(mu0);
     s.SetMeanDistParam2(tau02);
@@ -184,9 +175,8 @@ TEST(NormalPosterior, KnownVarianceMatchesConjugateForm) {
 }
 
 TEST(NormalPosterior, KnownVarianceFlatPriorAndUnsupportedPriors) {
-    // Known variance with a flat mean prior (at 90%: the 5% and 95% normal
-    // quantiles), or one neither Normal nor Diffuse: the flat-prior result
-    // and warning 410017 (no datum) per variable; no level set means 95%.
+    // Known variance with a flat mean prior (at 90%: the 5% and 95% normal quantiles), or one neither
+    // Normal nor Diffuse: the flat-prior result and 410017 (no datum) per variable; no level means 95%.
     const double sigma2 = 0.9, se = std::sqrt(sigma2 / kM.n);
     for (const auto& [meanPrior, level, z, warned] :
          {std::tuple{BC::Diffuse, 90.0, zQuantile(0.95), 0}, std::tuple{BC::Gamma, kMiss, zQuantile(0.975), 2}}) {
@@ -204,8 +194,7 @@ TEST(NormalPosterior, KnownVarianceFlatPriorAndUnsupportedPriors) {
         EXPECT_NEAR(o.GetUpperLimits()[1], kM.mean + z * se, 1e-9);
         EXPECT_EQ(o.GetPlotPrior()[0], (std::vector<double>{1.0, 1.0}));
     }
-    // Unknown variance, unsupported combinations: Diffuse (t with N - 3 df)
-    // and one 410017 each.
+    // Unknown variance, unsupported combinations: Diffuse (t with N - 3 df) and one 410017 each.
     for (auto [meanPrior, varPrior] : {std::pair{BC::Diffuse, BC::InverseGamma}, std::pair{BC::Normal, BC::Jeffreys2},
                                        std::pair{BC::Binomial, BC::Jeffreys4}}) {
         NormalRun r(posteriorSettings(meanPrior, varPrior), {kData});
@@ -215,9 +204,8 @@ TEST(NormalPosterior, KnownVarianceFlatPriorAndUnsupportedPriors) {
 }
 
 TEST(NormalPosterior, SmallSampleThresholds) {
-    // Diffuse: N = 5 gives 410027 (datum: the position) and nothing, N = 6
-    // df 3. Jeffreys 2: N = 3 gives 410026, N = 4 df 3. Jeffreys 4: N = 2
-    // already df 3.
+    // Diffuse: N = 5 gives 410027 (datum: the position) and nothing, N = 6 df 3. Jeffreys 2: N = 3
+    // gives 410026, N = 4 df 3. Jeffreys 4: N = 2 already df 3.
     const std::vector<double> x = {1.0, 2.5, 2.0, 4.0, 3.1, 0.7};
     const auto first = [&](std::size_t n) {
         std::vector<double> v(x.size(), kMiss);
@@ -247,9 +235,8 @@ TEST(NormalPosterior, PlotPointCountsAndMissingInputs) {
     s.SetPriorDistParam1(3.0);
     s.SetPriorDistParam2(0.8);
     const std::vector<double> constant(6, 2.5), single = {kMiss, 3.0, kMiss, kMiss, kMiss, kMiss};
-    // 7 points; 1 point (the step is 0/0: the lone argument and every value
-    // missing, never NaN); 0 points (every curve empty). A constant variable
-    // and a single case are skipped without a posterior message.
+    // 7 points; 1 point (the step is 0/0: the lone argument and every value missing, never NaN);
+    // 0 points (every curve empty). A constant variable and a single case: no posterior message.
     for (int points : {7, 1, 0}) {
         s.SetNPlotPoints(points);
         NormalRun r(s, {kData, constant, single});
