@@ -148,7 +148,7 @@ TEST(Report, ExamplesPlotsAndReportHoldWhatTheTerminalShows) {
     }
 }
 
-TEST(Report, RefusedRunsWarningsAndWritingWhole) {
+TEST(Report, RefusedRunsAndWarnings) {
     bsntest::TempDir dir;
     if (bsntest::HasAnalysis(C::Related, C::Normal)) {
         RunResult r;
@@ -176,13 +176,4 @@ TEST(Report, RefusedRunsWarningsAndWritingWhole) {
         EXPECT_TRUE(named);
         EXPECT_NE(r.report.find("a&lt;&amp;&gt;"), std::string::npos);
     }
-    // A report into a missing directory: an input error, and no file anywhere.
-    bsncli::RunOptions options;
-    options.settingsPath = dir.Write("s.json", R"({"ModelType": "Related", "Covariates": ["x"]})");
-    options.dataPath = dir.Write("d.csv", "x,y\n1,2\n");
-    options.reportPath = dir.Path("missing/report.html");
-    const auto r = bsntest::RunHost(options);
-    EXPECT_EQ(r.code, 2);
-    EXPECT_NE(r.err.find("--report: cannot write"), std::string::npos) << r.err;
-    EXPECT_FALSE(std::filesystem::exists(dir.Path("missing")));
 }

@@ -1,4 +1,4 @@
-// The host's --pmml and --score options on the regression and ANOVA examples.
+// The host's --pmml and --score options on the regression and ANOVA examples; outputs refused whole.
 #include <gtest/gtest.h>
 
 #include <filesystem>
@@ -100,6 +100,7 @@ TEST(ScoringHost, ErrorsNameTheirCauseAndLeaveNoFiles) {
         {{"run", settings, data, "--score", unseen, "--json", "-"}, "cannot both go to standard output"},
         {{"run", bf, example("anova.csv"), "--pmml", pmml, "--pmml-covariance"},
          "--pmml-covariance: the model has no posterior covariance"},
+        {{"run", settings, data, "--report", dir.Path("missing/report.html")}, "--report: cannot write"},
     };
     for (const auto& c : cases) {
         const auto r = bsntest::RunCommandLine(c.args);

@@ -66,7 +66,6 @@ TEST(SettingsJson, EnumerationsByNumberOrWordNullsAndColumnPositions) {
 TEST(SettingsJson, ModelTypeComesFirstAndDependentKeysFollowTheirLists) {
     // The model type resets MissScope and RegrCompType; the file's own values survive.
     BSNSettings s = parse(R"({"MissScope": 0, "RegrCompType": "Siow", "ModelType": "Independent"})");
-    EXPECT_EQ(s.GetModelType(), C::Independent);
     EXPECT_EQ(s.GetMissScope(), C::MissingAnalysis);
     EXPECT_EQ(s.GetRegrCompType(), C::Siow);
     // Without them, the model type's own defaults apply (it is set with adjust).

@@ -150,7 +150,7 @@ TEST(SvgPlot, BayesFactorInWords) {
     }
 }
 
-TEST(SvgPlot, PriorPosteriorAndLikelihoodShareOneAxis) {
+TEST(SvgPlot, PriorPosteriorAndLikelihoodShareOneAxisALowPriorIsRescaled) {
     // Posterior N(1, 0.5), prior N(0, 1): peaks within a factor of five, one density scale.
     PlotSet plot;
     plot.variable = "dose <mg> & \"x\"";
@@ -184,27 +184,22 @@ TEST(SvgPlot, PriorPosteriorAndLikelihoodShareOneAxis) {
     const XMLElement* frame = ByClass(main, "frame").at(0);
     EXPECT_NEAR(fromTicks(main, "x", frame->DoubleAttribute("x")), -3.72, 0.05);
     EXPECT_EQ(svg.texts(main, "ci-label"), (std::vector<std::string>{"0.02", "1.98"}));
-}
 
-TEST(SvgPlot, ALowPriorIsRescaledAndANarrowPosteriorGetsACloseUp) {
-    PlotSet plot;
-    plot.variable = "x";
-    plot.posterior = normalCurve(1, 0.5, -1, 3);
-    plot.prior = normalCurve(0, 10, -40, 40);  // peak 1/20 of the posterior's: drawn x10
-    plot.ciLower = 0.02;
-    plot.ciUpper = 1.98;
-    plot.nullValue = 200;  // far off the axis
-    const Svg svg(bsncli::RenderPlotSvg(plot));
-    const XMLElement *main = svg.panel("main"), *close = svg.panel("closeup");
-    ASSERT_TRUE(main != nullptr && close != nullptr);
-    const auto legend = svg.texts(main, "legend-text");
+    // A prior N(0, 10) peaks at 1/20 of the posterior's: drawn x10, and the
+    // posterior, narrow beside it, gets a close-up. The null is far off the axis.
+    plot.prior = normalCurve(0, 10, -40, 40);
+    plot.nullValue = 200;
+    const Svg low(bsncli::RenderPlotSvg(plot));
+    const XMLElement *wide = low.panel("main"), *close = low.panel("closeup");
+    ASSERT_TRUE(wide != nullptr && close != nullptr);
+    const auto legend = low.texts(wide, "legend-text");
     EXPECT_TRUE(contains(legend, "prior \u00d710 (rescaled"));
     EXPECT_TRUE(contains(legend, "null value = 200 (off the axis, to the right)"));
-    EXPECT_NEAR(fromTicks(main, "y", topOf(main, "prior")), 10 * normalPdf(0, 0, 10), 0.01);
-    EXPECT_TRUE(ByClass(main, "null").empty());
+    EXPECT_NEAR(fromTicks(wide, "y", topOf(wide, "prior")), 10 * normalPdf(0, 0, 10), 0.01);
+    EXPECT_TRUE(ByClass(wide, "null").empty());
     // The limits are written in the close-up only, where the interval is wide.
-    EXPECT_TRUE(svg.texts(main, "ci-label").empty());
-    EXPECT_EQ(svg.texts(close, "ci-label"), (std::vector<std::string>{"0.02", "1.98"}));
+    EXPECT_TRUE(low.texts(wide, "ci-label").empty());
+    EXPECT_EQ(low.texts(close, "ci-label"), (std::vector<std::string>{"0.02", "1.98"}));
     EXPECT_LT(fromTicks(close, "x", ByClass(close, "frame").at(0)->DoubleAttribute("x")), 0.02);
 }
 

@@ -3,7 +3,6 @@
 // content against R, and the exporter's statuses.
 #include <fmt/format.h>
 
-#include <cstdio>
 #include <sstream>
 
 #include "bsn/regression/bsnpmmlexporter.h"
@@ -34,27 +33,6 @@ MCXML_850::MCVarList namedVars() {
     return vars;
 }
 
-struct Exported { MCStatus status; std::string xml; };
-
-// Exports the model; a document written must pass the schema check.
-Exported exportModel(const BSNMultiRegOutputStats& r, const MCXML_850::MCVarList& vars, bool covariance) {
-    MCMath_850::MCRegSettings regSettings;
-    r.FillRegSettings(regSettings);
-    MCMath_850::MCSymMatrix cov;
-    const bool haveCov = covariance && r.GetPosteriorCovariance(cov);
-    EXPECT_EQ(haveCov, covariance);
-    BSNPMMLExporter exporter(r.GetSettings(), regSettings, vars);
-    exporter.SetTotalWeight(r.GetNCases());
-    std::ostringstream os;
-    Exported e;
-    e.status = exporter.ExportPMML(os, haveCov ? &cov : nullptr);
-    e.xml = os.str();
-    if (e.status.IsOK()) {
-        EXPECT_EQ(pmmltest::SchemaProblems(e.xml), "");
-    }
-    return e;
-}
-
 std::string text(double v) { return MCMV::IsMissing(v) ? std::string() : fmt::format("{:.17g}", v); }
 
 // A record of regr_small.csv's layout as the PMML consumer sees it.
@@ -79,13 +57,22 @@ TEST(PmmlExport, DocumentsReadBackPredictWhatScorePredicts) {
         {"A without posterior", bfOnly, false, 0}};
     const auto training = readColumns("regr_small.csv");
     const auto fresh = readColumns("scoring_new.csv");
+    const auto vars = namedVars();
     for (const auto& c : cases) {
-        RegrRun run(c.settings, training, namedVars());
+        RegrRun run(c.settings, training, vars);
         ASSERT_TRUE(run.status.IsOK()) << c.name;
         const auto& r = run.result();
-        const Exported e = exportModel(r, namedVars(), c.covariance);
-        ASSERT_TRUE(e.status.IsOK()) << c.name << " " << e.status.GetCode();
-        const pmmltest::GeneralRegressionEvaluator pmml(e.xml);
+        MCMath_850::MCRegSettings regSettings;
+        r.FillRegSettings(regSettings);
+        MCMath_850::MCSymMatrix cov;
+        ASSERT_EQ(c.covariance && r.GetPosteriorCovariance(cov), c.covariance) << c.name;
+        BSNPMMLExporter exporter(r.GetSettings(), regSettings, vars);
+        exporter.SetTotalWeight(r.GetNCases());
+        std::ostringstream os;
+        const MCStatus status = exporter.ExportPMML(os, c.covariance ? &cov : nullptr);
+        ASSERT_TRUE(status.IsOK()) << c.name << " " << status.GetCode();
+        EXPECT_EQ(pmmltest::SchemaProblems(os.str()), "") << c.name;
+        const pmmltest::GeneralRegressionEvaluator pmml(os.str());
 
         // One parameter per design parameter, a redundant one with df 0 (its
         // beta 0 shows in the predictions of its category's records).
@@ -143,13 +130,13 @@ TEST(PmmlExport, DocumentsReadBackPredictWhatScorePredicts) {
         // The posterior covariance is lm's vcov x nu / (nu - 2), its lower
         // triangle over the parameters that are not redundant.
         const std::vector<int> keep = model == 'A' ? std::vector<int>{0, 1, 2, 4, 5} : std::vector<int>{0, 1, 2};
-        const auto& cov = scoringReference().at(std::string(1, model) + "_cov");
+        const auto& lm = scoringReference().at(std::string(1, model) + "_cov");
         std::size_t at = 0;
         for (std::size_t i = 0; i < keep.size(); ++i)
             for (std::size_t j = 0; j <= i; ++j, ++at) {
                 const auto key = std::make_pair("p" + std::to_string(keep[i]), "p" + std::to_string(keep[j]));
                 ASSERT_EQ(pmml.covariance.count(key), 1u) << key.first << "," << key.second;
-                EXPECT_NEAR(pmml.covariance.at(key), cov[at], 1e-9 * std::max(1e-3, std::fabs(cov[at])))
+                EXPECT_NEAR(pmml.covariance.at(key), lm[at], 1e-9 * std::max(1e-3, std::fabs(lm[at])))
                     << model << " " << key.first << "," << key.second;
             }
         EXPECT_EQ(pmml.covariance.size(), at) << "cells of a redundant parameter were written";
