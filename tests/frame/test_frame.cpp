@@ -122,6 +122,7 @@ TEST(Frame, WarningsCollectedInOrderAndErrorEndsBuild) {
     MCCommon_850::ColumnRecordIter iter(cols);
     MCStatus w1(410041, true), w2(410037, true), err(410019, false), w3(410018, true);
     w2.SetDiscreteDatum(0, 4);
+    w2.SetDiscreteDatum(99, 3);  // out of range: ignored
     ScriptedProcedure p(BSNSettings(), {w1, w2, err, w3});
     EXPECT_EQ(p.BuildModel(iter).GetCode(), 410019);
     EXPECT_EQ(p.GetStatus().GetCode(), 410019);
@@ -131,6 +132,8 @@ TEST(Frame, WarningsCollectedInOrderAndErrorEndsBuild) {
     EXPECT_EQ(p.GetWarningMessages().Get(0).GetCode(), 410041);
     EXPECT_EQ(p.GetWarningMessages().Get(1).GetCode(), 410037);
     EXPECT_EQ(p.GetWarningMessages().Get(1).GetDiscreteDatum(0), 4);
+    EXPECT_FALSE(p.GetWarningMessages().Get(1).HasDiscreteDatum(99));
+    EXPECT_EQ(p.GetWarningMessages().Get(1).GetDiscreteDatum(99), -1);
 
     // Warnings alone leave the status clear and the model built.
     ScriptedProcedure ok(BSNSettings(), {w1, w3});
@@ -218,15 +221,6 @@ TEST(MessageTable, JoinedLiteralsAndGaps) {
         BSNComponentDisplay::ParseErrCodeToStr(code, text);
         EXPECT_EQ(text, expected) << code;
     }
-}
-
-TEST(MCStatus, KindsAndSlotsOutOfRange) {
-    MCStatus err(410003, false), warn(410041, true);
-    EXPECT_TRUE(MCStatus().IsOK() && !MCStatus().IsError() && !MCStatus().IsWarning());
-    EXPECT_TRUE(err.IsError() && !err.IsWarning() && warn.IsWarning() && !warn.IsError());
-    warn.SetDiscreteDatum(99, 3);  // out of range: ignored, and no datum there
-    EXPECT_FALSE(warn.HasDiscreteDatum(99));
-    EXPECT_EQ(warn.GetDiscreteDatum(99), -1);
 }
 
 TEST(Validation, BinomialAndPoissonPriorLists) {

@@ -2,6 +2,7 @@
 // against two-pass sums, over block sizes, zero weights, holes and offsets.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cmath>
 #include <random>
 #include <utility>
@@ -63,12 +64,9 @@ Ref reference(const Data& d, int j, int k, bool listwise) {
         return v == 2 ? static_cast<long double>(x - kFar) : static_cast<long double>(x);
     };
     auto used = [&](int c) {
-        if (listwise) {
-            for (double v : d.rows[c])
-                if (MCMV::IsMissing(v)) return false;
-            return true;
-        }
-        return !MCMV::IsMissing(d.rows[c][j]) && !MCMV::IsMissing(d.rows[c][k]);
+        const auto& row = d.rows[c];
+        return listwise ? std::ranges::none_of(row, [](double v) { return MCMV::IsMissing(v); })
+                        : !MCMV::IsMissing(row[j]) && !MCMV::IsMissing(row[k]);
     };
     Ref r;
     for (int c = 0; c < kCases; ++c)

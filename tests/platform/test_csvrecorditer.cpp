@@ -99,12 +99,30 @@ TEST(CsvRecordIter, QuotingLineEndsAndByteOrderMark) {
     }
 }
 
-TEST(CsvRecordIter, MissingMarkers) {
+// Empty, NA, ".", "" are missing, and so is an unused text column (an index
+// past the header is ignored). Nominal codes sort numbers by value before
+// text; "1.0" and "1" are one category, shown as first spelled. A pass
+// without an explicit scan runs it first (nominal codes need it).
+TEST(CsvRecordIter, MissingMarkersAndNominalCodes) {
+    struct Case { const char* content; std::vector<int> used, nominal; bool scan; Rows rows; std::vector<std::string> labels; };
+    const Case cases[] = {
+        {"v,w,u\n,1,x\nNA,2,y\n.,3,\n\"\",4,z\n 5 ,\"6\",q\n+7,NA,r\n", {0, 1, 9}, {}, true,
+         {{M, 1, M}, {M, 2, M}, {M, 3, M}, {M, 4, M}, {5, 6, M}, {7, M, M}}, {}},
+        {"f,y\nb,1\na,2\n10,3\n9,4\n2.5,5\n1.0,6\n1,7\na,8\nNA,9\nB,10\n", {0, 1}, {0}, true,
+         {{6, 1}, {5, 2}, {3, 3}, {2, 4}, {1, 5}, {0, 6}, {0, 7}, {5, 8}, {M, 9}, {4, 10}},
+         {"1.0", "2.5", "9", "10", "B", "a", "b"}},
+        {"g\nz\ny\n", {0}, {0}, false, {{1}, {0}}, {"y", "z"}},
+    };
     bsntest::TempDir dir;
-    // Empty, NA, ".", "" are missing; so is an unused text column.
-    CsvRecordIter iter(dir.Write("m.csv", "v,w,u\n,1,x\nNA,2,y\n.,3,\n\"\",4,z\n 5 ,\"6\",q\n+7,NA,r\n"), {0, 1, 9});
-    ASSERT_EQ(iter.Scan().error, "");  // an index past the header is ignored
-    EXPECT_EQ(readPass(iter), (Rows{{M, 1, M}, {M, 2, M}, {M, 3, M}, {M, 4, M}, {5, 6, M}, {7, M, M}}));
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.content);
+        CsvRecordIter iter(dir.Write("t.csv", c.content), c.used, c.nominal);
+        if (c.scan) {
+            ASSERT_EQ(iter.Scan().error, "");
+        }
+        EXPECT_EQ(readPass(iter), c.rows);
+        EXPECT_EQ(iter.GetLabels(c.used[0]), c.labels);
+    }
 }
 
 TEST(CsvRecordIter, ErrorsNameFileLineAndColumn) {
@@ -130,43 +148,6 @@ TEST(CsvRecordIter, ErrorsNameFileLineAndColumn) {
     EXPECT_EQ(scanError("a,b\n\"1\"x,2\n"), ":2: unexpected text after a closing quote: 'x'");
     // A bad value in a column the analysis does not use is not an error.
     EXPECT_EQ(scanError("a,b\n1,text\n", {0}), "");
-}
-
-TEST(CsvRecordIter, NominalCodesSortNumbersByValueThenText) {
-    bsntest::TempDir dir;
-    const std::string path = dir.Write("f.csv", "f,y\nb,1\na,2\n10,3\n9,4\n2.5,5\n1.0,6\n1,7\na,8\nNA,9\nB,10\n");
-    CsvRecordIter iter(path, {0, 1}, {0});
-    const CsvScanResult scan = iter.Scan();
-    ASSERT_EQ(scan.error, "");
-    // "1.0" and "1" are one category, shown as first spelled; 9 < 10 by value.
-    const std::vector<std::string> labels = {"1.0", "2.5", "9", "10", "B", "a", "b"};
-    EXPECT_EQ(scan.labels[0], labels);
-    const Rows expected = {{6, 1}, {5, 2}, {3, 3}, {2, 4}, {1, 5}, {0, 6}, {0, 7}, {5, 8}, {M, 9}, {4, 10}};
-    EXPECT_EQ(readPass(iter), expected);
-}
-
-TEST(CsvRecordIter, PassesRereadTheFileIdentically) {
-    bsntest::TempDir dir;
-    // Many buffer refills, and the buffer's growth for one very long quoted field.
-    std::string content = "i,half,lab\n";
-    const int n = 60000;
-    for (int i = 0; i < n; ++i)
-        content += std::to_string(i) + "," + std::to_string(i * 0.5) + ",\"L" + std::to_string(i % 7) + "\"\n";
-    content += "-1,0,\"" + std::string(3 << 20, 'z') + "\"\n";
-    const std::string path = dir.Write("big.csv", content);
-
-    CsvRecordIter iter(path, {0, 1, 2}, {2});
-    const CsvScanResult scan = iter.Scan();
-    ASSERT_EQ(scan.error, "");
-    EXPECT_EQ(scan.nRecords, n + 1);
-    EXPECT_EQ(scan.labels[2].size(), 8u);
-    EXPECT_TRUE(MCCommon_850::HasAnyRecord(iter));
-    const Rows first = readPass(iter);
-    ASSERT_EQ(first.size(), static_cast<std::size_t>(n + 1));
-    EXPECT_EQ(readPass(iter), first);
-    for (int i = 0; i < n; ++i)  // codes follow the labels L0..L6, then the long text
-        ASSERT_EQ(first[i], (std::vector<double>{double(i), i * 0.5, double(i % 7)})) << "row " << i;
-    EXPECT_EQ(first.back(), (std::vector<double>{-1, 0, 7}));
 }
 
 TEST(CsvRecordIter, EmptyFilesAndFilesChangedBetweenPasses) {
@@ -200,9 +181,6 @@ TEST(CsvRecordIter, EmptyFilesAndFilesChangedBetweenPasses) {
     EXPECT_NE(iter.GetSourceError().find("changed"), std::string::npos);
     EXPECT_TRUE(readPass(iter).empty());
 
-    // Passes without an explicit scan run it first (nominal codes need it).
-    CsvRecordIter unscanned(dir.Write("u.csv", "g\nz\ny\n"), {0}, {0});
-    EXPECT_EQ(readPass(unscanned), (Rows{{1}, {0}}));
 }
 
 // Short plain decimals take a fast path, bit-identical to the general one at
@@ -254,6 +232,7 @@ TEST(ColumnCache, PassesFromMemoryMatchTheFileAndTheBudgetHolds) {
     CsvRecordIter streamed(path, used, nominal);
     ASSERT_EQ(streamed.Scan().error, "");
     EXPECT_FALSE(streamed.IsHeldInMemory());
+    EXPECT_TRUE(MCCommon_850::HasAnyRecord(streamed));
     const Rows expected = readPass(streamed);
     ASSERT_EQ(expected.size(), nRows);
     // Numbers sort before text: 2, 10, alpha, zeta.
@@ -290,21 +269,17 @@ TEST(ColumnCache, ScanStopsWhenCancelled) {
     std::string csv = "x\n";
     for (int i = 0; i < 1000; ++i) csv += "1\n";
     const std::string path = dir.Write("d.csv", csv);
-    for (int at : {1, 2, 4}) {
+    // Asked before each block of 256 rows; never cancelled, four times, and the whole file is read and held.
+    for (int at : {1, 2, 4, 1000000}) {
         CsvRecordIter iter(path, {0});
         iter.SetMemoryBudget(std::size_t{1} << 20);
         CountingCancel cancel(at);
         const auto scan = iter.Scan(&cancel);
-        EXPECT_TRUE(scan.cancelled) << at;
+        const bool cancelled = at <= 4;
+        EXPECT_EQ(scan.cancelled, cancelled) << at;
         EXPECT_EQ(scan.error, "");
-        EXPECT_EQ(scan.nRecords, 256 * (at - 1)) << at;  // asked before each block of 256 rows
-        EXPECT_FALSE(iter.IsHeldInMemory());
+        EXPECT_EQ(scan.nRecords, cancelled ? 256 * (at - 1) : 1000) << at;
+        EXPECT_EQ(iter.IsHeldInMemory(), !cancelled) << at;
+        EXPECT_EQ(cancel.calls, cancelled ? at : 4);
     }
-    // Not cancelled: asked once per 256 rows, then the whole file is read.
-    CsvRecordIter iter(path, {0});
-    CountingCancel never(1000000);
-    const auto scan = iter.Scan(&never);
-    EXPECT_FALSE(scan.cancelled);
-    EXPECT_EQ(scan.nRecords, 1000);
-    EXPECT_EQ(never.calls, 4);
 }
