@@ -15,7 +15,6 @@
 #include <fmt/format.h>
 #include <nlohmann/json.hpp>
 
-#include "cli/host.h"
 #include "tests/cli/hostrun.h"
 #include "tests/cli/tempfiles.h"
 #include "tests/onesample/jzsreference.h"

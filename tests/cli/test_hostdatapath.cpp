@@ -14,7 +14,6 @@
 #include <fmt/format.h>
 #include <nlohmann/json.hpp>
 
-#include "cli/host.h"
 #include "platform/progress/mcquerycancel.h"
 #include "tests/cli/hostrun.h"
 #include "tests/cli/tempfiles.h"

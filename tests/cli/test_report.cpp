@@ -9,7 +9,6 @@
 #include <fmt/format.h>
 #include <nlohmann/json.hpp>
 
-#include "cli/host.h"
 #include "tests/cli/hostrun.h"
 #include "tests/cli/svgcheck.h"
 #include "tests/cli/tempfiles.h"
@@ -51,17 +50,6 @@ std::vector<std::string> terminalTables(const std::string& out) {
     for (std::size_t p; (p = body.find("\n\n")) != std::string::npos; body.erase(0, p + 2))
         blocks.push_back(body.substr(0, p + 1));
     return blocks;
-}
-
-// What the report must never hold: scripts, or anything loaded from elsewhere.
-void expectSelfContained(const XMLElement* root) {
-    EXPECT_TRUE(ByName(root, "script").empty());
-    EXPECT_TRUE(ByName(root, "link").empty());
-    for (const XMLElement* e : bsntest::Elements(root, [](const XMLElement&) { return true; })) {
-        EXPECT_EQ(e->Attribute("src"), nullptr) << e->Name();
-        const std::string href = Attr(*e, "href");
-        EXPECT_TRUE(href.empty() || href[0] == '#') << href;
-    }
 }
 
 } // namespace
@@ -112,8 +100,7 @@ TEST(Report, ExamplesPlotsAndReportHoldWhatTheTerminalShows) {
             const double bf = r.json["results"]["GetBayesFactors"][i].get<double>();
             const std::string subtitle = Text(ByClass(top, "subtitle").at(0));
             ASSERT_EQ(subtitle.rfind("BF01 = ", 0), 0u) << subtitle;
-            EXPECT_NEAR(std::stod(subtitle.substr(7)), bf, 5e-3 * bf);
-            EXPECT_NE(subtitle.find(bf > 1 ? "under the null" : "under the alternative"), std::string::npos);
+            EXPECT_NEAR(std::stod(subtitle.substr(7)), bf, 5e-3 * bf);  // its words: FactorInWords
         }
         EXPECT_EQ(std::distance(std::filesystem::directory_iterator(dir.Path("plots")), {}),
                   static_cast<long>(ex.stems.size()));
@@ -121,7 +108,12 @@ TEST(Report, ExamplesPlotsAndReportHoldWhatTheTerminalShows) {
         // The report: heading, status, every terminal table cell by cell, every plot.
         const XMLElement* html = r.html.RootElement();
         ASSERT_NE(html, nullptr);
-        expectSelfContained(html);
+        // Never a script, nor anything loaded from elsewhere.
+        EXPECT_TRUE(ByName(html, "script").empty() && ByName(html, "link").empty());
+        for (const XMLElement* e : bsntest::Elements(html, [](const XMLElement&) { return true; })) {
+            EXPECT_EQ(e->Attribute("src"), nullptr) << e->Name();
+            EXPECT_TRUE(Attr(*e, "href").empty() || Attr(*e, "href")[0] == '#') << Attr(*e, "href");
+        }
         const std::string heading = r.out.substr(5, r.out.find(" analysis of ") - 5);  // "bsn: <analysis> analysis of"
         EXPECT_EQ(Text(ByName(html, "h1").at(0)), heading + " analysis");
         EXPECT_EQ(Text(ByClass(html, "status-ok").at(0)), "OK, model built");

@@ -61,10 +61,9 @@ struct Svg {
         EXPECT_LE(box->DoubleAttribute("y") + box->DoubleAttribute("height"), fy + frames[0]->DoubleAttribute("height"));
     }
 
-    const XMLElement* panel(const char* cls) const {
-        for (const XMLElement* p : ByClass(root, "panel"))
-            if (Attr(*p, "class").find(cls) != std::string::npos) return p;
-        return nullptr;
+    const XMLElement* panel(const char* cls) const {  // "main" or "closeup"; null when absent
+        const auto found = ByClass(root, cls);
+        return found.empty() ? nullptr : found[0];
     }
     std::vector<std::string> texts(const XMLElement* under, const char* cls) const {
         std::vector<std::string> out;
