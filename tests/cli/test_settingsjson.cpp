@@ -72,8 +72,6 @@ TEST(SettingsJson, ModelTypeComesFirstAndDependentKeysFollowTheirLists) {
     s = parse(R"({"ModelType": "Independent"})");
     EXPECT_EQ(s.GetMissScope(), C::MissingListwise);
     EXPECT_EQ(s.GetRegrCompType(), C::Rouder);
-    EXPECT_DOUBLE_EQ(parse(R"({"ModelType": 3})").GetTolValue(), 0.0001);
-    EXPECT_DOUBLE_EQ(parse(R"({"TolValue": 0.5, "ModelType": 3})").GetTolValue(), 0.5);
     // A method parameter given with the method is kept, not the method's default.
     EXPECT_DOUBLE_EQ(parse(R"({"RegrComPar": 7, "RegrCompType": "Hyper"})").GetRegrComPar(), 7.0);
     EXPECT_DOUBLE_EQ(parse(R"({"RegrCompType": "Hyper"})").GetRegrComPar(), 3.0);

@@ -97,10 +97,6 @@ double topOf(const XMLElement* panel, const char* cls) {  // smallest page y of 
     return top;
 }
 
-bool contains(const std::vector<std::string>& texts, const std::string& part) {
-    return std::any_of(texts.begin(), texts.end(), [&](const std::string& t) { return t.find(part) != std::string::npos; });
-}
-
 } // namespace
 
 TEST(SvgPlot, LikelihoodIsScaledFromItsLogarithm) {
@@ -127,7 +123,6 @@ TEST(SvgPlot, BayesFactorInWords) {
     struct Case { double bf; bool isLog; FactorDirection direction; std::string words; };
     const std::vector<Case> cases = {
         {3.69, false, FactorDirection::NullOverAlternative, "BF01 = 3.69: the data are 3.7 times more likely under the null"},
-        {0.2, false, FactorDirection::NullOverAlternative, "BF01 = 0.2: the data are 5 times more likely under the alternative"},
         {2.13041e-05, false, FactorDirection::NullOverAlternative,
          "BF01 = 2.13e-05: the data are 46939 times more likely under the alternative"},
         {1.02, false, FactorDirection::NullOverAlternative,
@@ -191,9 +186,10 @@ TEST(SvgPlot, PriorPosteriorAndLikelihoodShareOneAxisALowPriorIsRescaled) {
     const Svg low(bsncli::RenderPlotSvg(plot));
     const XMLElement *wide = low.panel("main"), *close = low.panel("closeup");
     ASSERT_TRUE(wide != nullptr && close != nullptr);
-    const auto legend = low.texts(wide, "legend-text");
-    EXPECT_TRUE(contains(legend, "prior \u00d710 (rescaled"));
-    EXPECT_TRUE(contains(legend, "null value = 200 (off the axis, to the right)"));
+    std::string legend;
+    for (const std::string& t : low.texts(wide, "legend-text")) legend += t + "\n";
+    EXPECT_NE(legend.find("\nprior \u00d710 (rescaled"), std::string::npos) << legend;
+    EXPECT_NE(legend.find("\nnull value = 200 (off the axis, to the right)\n"), std::string::npos) << legend;
     EXPECT_NEAR(fromTicks(wide, "y", topOf(wide, "prior")), 10 * normalPdf(0, 0, 10), 0.01);
     EXPECT_TRUE(ByClass(wide, "null").empty());
     // The limits are written in the close-up only, where the interval is wide.
