@@ -19,9 +19,8 @@ using S = BSNSettings;
 
 namespace {
 
-// A procedure that sums the weights and weighted values of variable 0 in one
-// pass and then runs a scripted list of stage statuses: enough to exercise
-// the frame's bookkeeping without any statistics.
+// Sums the weights and weighted values of variable 0 in one pass, then runs scripted
+// stage statuses: the frame's bookkeeping without any statistics.
 struct ScriptedProcedure : BSNAlgorithm {
     ScriptedProcedure(const BSNSettings& s, std::vector<MCStatus> stages, FinalReport rule = FinalReport::Always)
         : BSNAlgorithm(s, MCXML_850::MCVarList()), stages(std::move(stages)), rule(rule) {}
@@ -351,8 +350,7 @@ TEST(Validation, LogLinearAndUnknownTypes) {
     EXPECT_TRUE(other.IsValidSettings().IsOK());
 }
 
-// The JSON reader checks the correlation and independent-samples
-// adjustments; here the adjust flag and the way back to one sample.
+// The adjust flag and the way back to one sample (the JSON reader's tests check the rest).
 TEST(Settings, ModelTypeAdjustsDependentDefaults) {
     using namespace BSNConst;
     BSNSettings s;
@@ -364,10 +362,9 @@ TEST(Settings, ModelTypeAdjustsDependentDefaults) {
     }
 }
 
-// What the JSON reader's refusal test does not reach: variable setters that
-// refuse -1, and the default parameter of each Bayes-factor method.
+// Beyond the JSON reader's refusal test: setters refusing -1, and Rouder's default parameter.
 TEST(Settings, SetterRulesRefuseBadValues) {
-    BSNSettings s, rouder, zellner;
+    BSNSettings s, rouder;
     EXPECT_FALSE(s.SetDependVar(-1));
     EXPECT_EQ(s.GetDependentVar(), -1);
     EXPECT_TRUE(s.SetDependVar(0));
@@ -378,6 +375,4 @@ TEST(Settings, SetterRulesRefuseBadValues) {
     EXPECT_TRUE(MCMV::IsMissing(s.GetSecondGonenPar()));
     rouder.SetRegrCompType(BSNConst::Rouder);
     EXPECT_EQ(rouder.GetRegrComPar(), 1.0);
-    zellner.SetRegrCompType(BSNConst::Zellner);
-    EXPECT_TRUE(MCMV::IsMissing(zellner.GetRegrComPar()));
 }

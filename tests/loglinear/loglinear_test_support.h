@@ -1,7 +1,6 @@
 #pragma once
-// Helpers of the log-linear tests: the reference tables under
-// tests/data/loglinear (made by the scripts beside them), and a component
-// built over a table of counts given as one weighted record per cell.
+// Helpers of the log-linear tests: the reference tables under tests/data/loglinear (made by the
+// scripts beside them), and a component built over a table of counts, one weighted record per cell.
 #include <cstdlib>
 #include <fstream>
 #include <map>
@@ -71,8 +70,7 @@ inline std::vector<Row> ReadReference(const std::string& name) {
     return rows;
 }
 
-// Log-linear settings for a table of the given size: factors 0 (rows) and 1
-// (columns), weight column 2.
+// Log-linear settings for a table of this size: factors 0 (rows) and 1 (columns), weight column 2.
 inline MCBSN_850::BSNSettings Settings(std::size_t rows, std::size_t cols) {
     MCBSN_850::BSNSettings s;
     s.SetModelType(MCBSN_850::BSNConst::LogLinear, true);
@@ -95,8 +93,7 @@ inline std::vector<std::vector<double>> CellRecords(const Matrix& table) {
     return cols;
 }
 
-// Marks records given as columns (row code, column code, weight, ...)
-// rather than as a table of counts.
+// Records given as columns (row code, column code, weight, ...) rather than as a table of counts.
 struct Columns { std::vector<std::vector<double>> values; };
 
 struct Build : bsntest::ComponentRun {

@@ -62,20 +62,30 @@ TEST(Contingency, ExpectedCountsAndNonEmptyCategories) {
     EXPECT_DOUBLE_EQ(t.GetPctCellsExpLess5(), 100.0 * 2 / 4);
 }
 
-TEST(Contingency, OneCategoryKeepsTheTableWithoutTests) {
-    struct Case { Matrix table; int warning; };
-    for (const Case& c : {Case{{{3, 4}, {0, 0}}, 410051}, Case{{{3, 0}, {5, 0}}, 410052},
-                          Case{{{3, 0}, {0, 0}}, 410051}}) {
-        Build b(Settings(2, 2), c.table);
+// An empty row or column takes a category out of the degrees of freedom; one category left keeps
+// the table without tests, with 410051 (rows) or 410052 (columns).
+TEST(Contingency, EmptyRowsAndColumnsLeaveTheTests) {
+    struct Case { Matrix table; double df; int warning; };
+    const Case cases[] = {{{{10, 4, 6}, {0, 0, 0}, {3, 9, 8}}, 2, 0}, {{{10, 0, 6}, {5, 0, 9}, {3, 0, 8}}, 2, 0},
+                          {{{10, 4, 6}, {0, 0, 0}, {0, 0, 0}, {3, 9, 8}}, 2, 0},
+                          {{{10, 4, 6, 1}, {2, 7, 3, 5}, {3, 9, 8, 4}}, 6, 0}, {{{3, 4}, {0, 0}}, 0, 410051},
+                          {{{3, 0}, {5, 0}}, 0, 410052}, {{{3, 0}, {0, 0}}, 0, 410051}};
+    for (const Case& c : cases) {
+        SCOPED_TRACE(::testing::PrintToString(c.table));
+        Build b(Settings(c.table.size(), c.table[0].size()), c.table);
         EXPECT_TRUE(b.status.IsOK());
-        EXPECT_TRUE(b.component.IsModelBuilt());
-        EXPECT_EQ(b.WarningCodes(), std::vector<int>{c.warning});
+        EXPECT_EQ(b.WarningCodes(), c.warning != 0 ? std::vector<int>{c.warning} : std::vector<int>{});
         ASSERT_NE(b.Result(), nullptr);
-        EXPECT_EQ(b.Result()->GetContingencyMatrix().GetAllCounts(), c.table);
-        for (double v : {b.Result()->GetChiSquareResult().GetWald(), b.Result()->GetFisher2SidedSig(),
-                         b.Result()->GetBayesFactor()})
+        const auto& r = *b.Result();
+        EXPECT_EQ(r.GetContingencyMatrix().GetAllCounts(), c.table);
+        if (c.warning == 0) {
+            EXPECT_EQ(r.GetChiSquareResult().GetDF(), c.df);
+            EXPECT_EQ(r.GetLikeRatioResult().GetDF(), c.df);
+            continue;
+        }
+        for (double v : {r.GetChiSquareResult().GetWald(), r.GetFisher2SidedSig(), r.GetBayesFactor()})
             EXPECT_EQ(v, kMiss);
-        EXPECT_TRUE(b.Result()->GetPosteriorEstimations().empty());
+        EXPECT_TRUE(r.GetPosteriorEstimations().empty());
     }
 }
 

@@ -50,15 +50,15 @@ BSNSettings caseSettings(const Row& row, const Matrix& table) {
     return s;
 }
 
-// factors.csv against R; factors_large.csv at totals of 1e9 and 1e12, where separate log-gamma
-// values would keep about six digits and three: every log factor there is within 1e-10 (or 2e-15 of
-// itself when it is huge) of the 60-digit value. Very strong association gives the log factor with
-// its flag and 410041. intrinsic.csv integrates the likelihood against the intrinsic prior density,
-// itself the mixture over every pair of training samples, and gives the sizes T, T1, T2.
+// factors.csv against R; factors_large.csv at totals of 1e9 and 1e12, where separate log-gamma values
+// would keep about six digits and three: within 1e-10 (or 2e-15 of itself when huge) of the 60-digit
+// value, with the log flag and 410041 for very strong association; intrinsic.csv integrates the likelihood
+// against the intrinsic prior (the mixture over every pair of training samples), with T, T1 and T2.
 TEST(LogLinearFactors, AgreeWithTheModelsMarginalLikelihoods) {
     struct File { const char* name; std::size_t rows; double rel, abs, bfRel; };
-    for (const File& f : {File{"factors.csv", 20, 1e-12, 1e-11, 1e-11}, File{"factors_large.csv", 23, 2e-15, 1e-10, 1e-9},
-                          File{"intrinsic.csv", 7, 1e-11, 1e-11, 1e-10}}) {
+    const File files[] = {{"factors.csv", 20, 1e-12, 1e-11, 1e-11}, {"factors_large.csv", 23, 2e-15, 1e-10, 1e-9},
+                          {"intrinsic.csv", 7, 1e-11, 1e-11, 1e-10}};
+    for (const File& f : files) {
         const auto rows = ReadReference(f.name);
         ASSERT_GE(rows.size(), f.rows);
         for (const Row& row : rows) {

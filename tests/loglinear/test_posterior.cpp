@@ -32,8 +32,7 @@ BayesEstimation estimateFor(const std::vector<double>& b, double level, std::vec
     return p.GetEstimations().at(0);
 }
 
-// Against the exact distribution, and within 5 standard errors of the
-// limits of a Monte Carlo of twenty million draws.
+// Against the exact distribution, and within 5 standard errors of a Monte Carlo of 2e7 draws.
 TEST(LogLinearPosterior, ModeAndLimitsAgainstExactValuesAndMonteCarlo) {
     for (const std::string file : {"posterior_exact.csv", "posterior_mc.csv"}) {
         const auto rows = ReadReference(file);
@@ -131,16 +130,6 @@ TEST(LogLinearPosterior, DensityCurvesOfTheFirstPairs) {
     EXPECT_NEAR(peakAt, e.GetMode(), xs[1] - xs[0]);
     EXPECT_LT(xs.front(), e.GetLower());
     EXPECT_GT(xs.back(), e.GetUpper());
-
-    // At most MaxNPlots pairs get curves.
-    const Matrix table{{5, 2, 8}, {3, 9, 1}, {4, 4, 6}};
-    BSNSettings s = Settings(3, 3);
-    s.SetMaxNPlots(4);
-    Build b(s, table);
-    ASSERT_NE(b.Result(), nullptr);
-    EXPECT_EQ(b.Result()->GetPosteriorEstimations().size(), 9u);
-    EXPECT_EQ(b.Result()->GetPlotArguments4Posterior().size(), 4u);
-    EXPECT_EQ(b.Result()->GetPlotPosterior().size(), 4u);
 }
 
 } // namespace

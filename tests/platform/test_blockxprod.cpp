@@ -1,5 +1,4 @@
-// The block accumulators (complete cases; each pair over its present cases)
-// against two-pass sums, over block sizes, zero weights, holes and offsets.
+// The block accumulators (complete cases; pairwise) against two-pass sums: block sizes, zero weights, holes, offsets.
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -99,7 +98,6 @@ void expectClose(double got, long double want, double scale, const char* what) {
 TEST(BlockXProd, CompleteCasesAndPairsMatchTwoPassSums) {
     for (bool holes : {false, true}) {
         const Data d = makeData(holes, holes ? 23u : 29u);
-        // The complete-case accumulator is given the complete cases only.
         std::vector<bool> whole(kCases, true);
         int added = 0;
         for (int c = 0; c < kCases; ++c) {
@@ -130,7 +128,6 @@ TEST(BlockXProd, CompleteCasesAndPairsMatchTwoPassSums) {
                     expectClose(p.sumSqJ, r.ssJ, static_cast<double>(r.ssJ), "sum of squares j");
                     expectClose(p.sumSqK, r.ssK, static_cast<double>(r.ssK), "sum of squares k");
                     expectClose(p.xprod, r.sxy, std::sqrt(static_cast<double>(r.ssJ * r.ssK)), "cross-product");
-                    // The complete cases: every variable present.
                     const Ref all = reference(d, j, k, true);
                     EXPECT_EQ(complete.GetNCases(), static_cast<double>(all.n));
                     if (all.n > 0)

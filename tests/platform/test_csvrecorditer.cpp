@@ -1,5 +1,4 @@
-// The CSV reader: numbers, quoting, errors, nominal codes, rereading, and
-// the column cache that holds a file in memory within a budget.
+// The CSV reader: numbers, quoting, errors, nominal codes, rereading, and the in-memory column cache.
 #include <gtest/gtest.h>
 
 #include <charconv>
@@ -99,12 +98,13 @@ TEST(CsvRecordIter, QuotingLineEndsAndByteOrderMark) {
     }
 }
 
-// Empty, NA, ".", "" are missing, and so is an unused text column (an index
-// past the header is ignored). Nominal codes sort numbers by value before
-// text; "1.0" and "1" are one category, shown as first spelled. A pass
-// without an explicit scan runs it first (nominal codes need it).
+// Missing: empty, NA, ".", "" and an unused text column (an index past the header is ignored). Nominal
+// codes: numbers by value, then text ("1.0" and "1" one category, shown as first spelled). A pass without
+// a scan runs it first (nominal codes need it).
 TEST(CsvRecordIter, MissingMarkersAndNominalCodes) {
-    struct Case { const char* content; std::vector<int> used, nominal; bool scan; Rows rows; std::vector<std::string> labels; };
+    struct Case {
+        const char* content; std::vector<int> used, nominal; bool scan; Rows rows; std::vector<std::string> labels;
+    };
     const Case cases[] = {
         {"v,w,u\n,1,x\nNA,2,y\n.,3,\n\"\",4,z\n 5 ,\"6\",q\n+7,NA,r\n", {0, 1, 9}, {}, true,
          {{M, 1, M}, {M, 2, M}, {M, 3, M}, {M, 4, M}, {5, 6, M}, {7, M, M}}, {}},
@@ -183,8 +183,7 @@ TEST(CsvRecordIter, EmptyFilesAndFilesChangedBetweenPasses) {
 
 }
 
-// Short plain decimals take a fast path, bit-identical to the general one at
-// every digit count around the 15-digit hand-over.
+// Short plain decimals take a fast path, bit-identical to the general one around the 15-digit handover.
 TEST(CsvNumbers, FastPathIsBitIdenticalToGeneralConversion) {
     // Inexact decimals, signs and zeros, then random ones.
     std::vector<std::string> texts = {"0.1", "0.3", "2.675", "-0.0", "0", "+7.25", "123456789012345", "1234567890123456",

@@ -12,8 +12,8 @@ using MCMath_850::MCLogGamma;
 using extremedata::err;
 using extremedata::num;
 
-// Against 40-digit values, arguments 0.5 to 1e12, including differences that
-// separate log-gamma values (about 3e13) would leave without a correct digit.
+// Against 40-digit values for arguments 0.5 to 1e12, including differences that separate
+// log-gamma values (about 3e13) would leave without a correct digit.
 TEST(MCLogGamma, MatchesHighPrecisionValues) {
     const auto rows = extremedata::read("extreme_lgamma.csv");
     ASSERT_GT(rows.size(), 70u);

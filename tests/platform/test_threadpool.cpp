@@ -1,5 +1,4 @@
-// The thread factory and its executor. (That every task runs once is seen
-// in the correlation thread tests.)
+// The thread factory and its executor (the correlation thread tests see every task run once).
 #include <gtest/gtest.h>
 
 #include <atomic>

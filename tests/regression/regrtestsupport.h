@@ -1,7 +1,6 @@
 #pragma once
-// Shared pieces of the regression and ANOVA tests: a component run over
-// in-memory columns with a chosen variable list, and the reference files of
-// tests/data (regr_small.csv and the numbers computed from it).
+// Shared pieces of the regression and ANOVA tests: a component run over in-memory columns, and the
+// reference files of tests/data (regr_small.csv and the numbers computed from it).
 #include <gtest/gtest.h>
 
 #include <array>

@@ -1,5 +1,4 @@
-// The one-way ANOVA: cells, empty cells, factor codes, its F, factor and
-// posteriors from hand-computed sums of squares.
+// The one-way ANOVA: cells, empty cells, factor codes, F, factor and posteriors from hand-computed sums.
 #include <cmath>
 
 #include "tests/regression/regrtestsupport.h"
@@ -65,8 +64,7 @@ TEST(Anova, EmptyCellsAndOneCategory) {
     EXPECT_EQ(run.result().GetRedundancy(), (std::vector<bool>{false, true, false}));
     EXPECT_EQ(run.result().GetAnova().regressionDF, 1.0);
     EXPECT_TRUE(MCMV::IsMissing(run.result().GetVarCoeffBayesEstimations()[1].GetVariance()));
-    // Two categories with one empty leave one cell; a single category is
-    // refused before the pass; more than 4999 categories too.
+    // One cell left of two categories, a single category and more than 4999 categories are refused.
     std::vector<std::vector<double>> one = {{3, 4, 5}, {0, 0, 0}};
     for (const auto& [n, code] : std::vector<std::pair<int, int>>{{2, 410012}, {1, 410012}, {5000, 410057}})
         EXPECT_EQ(RegrRun(anovaSettings(n), one, ScaleVars(2, {1})).status.GetCode(), code) << n;

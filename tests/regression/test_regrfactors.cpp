@@ -1,5 +1,4 @@
-// The regression Bayes factors against high-precision integrals of their
-// definitions (tests/data/regr_factors_reference.py) and closed forms.
+// The regression Bayes factors against 40-digit integrals (tests/data/regr_factors_reference.py) and closed forms.
 #include <cmath>
 
 #include "bsn/regression/bsnmultipleregrfullfactor.h"
@@ -73,8 +72,7 @@ TEST(RegressionFactors, ClosedFormsAndEdges) {
     EXPECT_TRUE(MCMV::IsMissing(noG.bf));
     EXPECT_TRUE(noG.quiet);
 
-    // Full comparison with equal fits: exactly 1 for every method, also
-    // one that computes nothing otherwise.
+    // Full comparison with equal fits: exactly 1 for every method, even one that computes nothing otherwise.
     for (int m = 0; m <= 4; ++m) {
         BSNSettings t;
         t.SetRegrCompType(static_cast<BC::RegrCompute>(m));
@@ -106,8 +104,7 @@ TEST(RegressionFactors, HugeSampleThroughWeightsGivesTheLogFlaggedZellnerFactor)
     EXPECT_EQ(r.GetLogBayesFactor(), r.GetBayesFactor());
     EXPECT_GT(L, 709.0);
 
-    // Under Siow the same near-perfect fit (1 - R^2 below the tolerance)
-    // gives warning 410014 and no factor at all.
+    // Under Siow the same near-perfect fit (1 - R^2 below the tolerance) gives 410014 and no factor at all.
     s.SetRegrCompType(BC::Siow);
     RegrRun siow(s, cols);
     ASSERT_TRUE(siow.status.IsOK());

@@ -18,8 +18,7 @@ MCBSN_850::BayesFTest fTest(const std::vector<int>& predictors, const std::vecto
     return t;
 }
 
-// y ~ g (3 categories) + x1 + x2 with frequency and regression weights (the
-// scoring tests' model A), a prediction and an F test of the slopes.
+// The scoring tests' model A (y ~ g + x1 + x2, both weights), a prediction and an F test of the slopes.
 BSNSettings smallSettings(const MCBSN_850::BayesFTest& test = fTest({1, 2}, {0.5, -0.25}, false)) {
     BSNSettings s = modelSettings('A');
     s.SetRegressors({1, 1.5, 9});
@@ -32,14 +31,12 @@ const auto& reference() {
     return ref;
 }
 
-// A run over tests/data/regr_small.csv (v3 and v4 nominal).
 struct SmallRun : RegrRun {
     explicit SmallRun(const BSNSettings& s) : RegrRun(s, readColumns("regr_small.csv"), ScaleVars(7, {kG, kH})) {}
 };
 
-// What both priors give against their reference values under prefix p ("ref" or "conj"): the
-// coefficients' posteriors (the redundant one, index 3, has mean 0 and nothing else), that of
-// sigma^2, the prediction, and the overall and the one custom F test.
+// Both priors against their reference values under prefix p ("ref" or "conj"): the coefficients (the redundant
+// one, index 3, has mean 0 and nothing else), sigma^2, the prediction, the overall and the custom F test.
 void expectPosterior(const BSNMultiRegOutputStats& r, const std::string& p) {
     const auto& ref = reference();
     const auto& est = r.GetVarCoeffBayesEstimations();
@@ -148,8 +145,7 @@ TEST(RegressionFit, FullModelRSquaredAndFactorDirection) {
 }
 
 TEST(RegressionFit, SparseAndDenseRowsGiveTheSameFit) {
-    // A factor of 12 categories, a covariate and a constant one (collinear
-    // with the intercept, so redundant), accumulated both ways.
+    // 12 categories, a covariate and a constant one (redundant with the intercept), accumulated both ways.
     MCMath_850::MCFastDesignMatrix design({0}, {12}, {1, 3}, true);
     design.SetDepVar(2);
     std::vector<std::vector<double>> rows;
@@ -192,8 +188,7 @@ TEST(RegressionFit, SparseAndDenseRowsGiveTheSameFit) {
 }
 
 TEST(RegressionFit, DataFarFromZeroKeepsItsPrecision) {
-    // y = 3 x + noise with x around 1e9 and a spread of 0.01: the slope and
-    // R squared must be those of the same data moved to 0.
+    // y = 3 x + noise, x around 1e9 with a spread of 0.01: slope and R squared as for the data moved to 0.
     std::vector<std::vector<double>> far(2), near(2);
     for (int i = 0; i < 200; ++i) {
         const double dx = 0.01 * std::sin(1.3 * i), e = 0.002 * std::cos(2.1 * i + 0.4);
@@ -269,8 +264,7 @@ TEST(RegressionFit, ParameterLimits) {
 }
 
 TEST(RegressionFit, PerfectFitAndFewCases) {
-    // y = 2x + 1 exactly: a perfect fit keeps its factor only under Zellner
-    // with the null comparison.
+    // y = 2x + 1 exactly: a perfect fit keeps its factor only under Zellner with the null comparison.
     std::vector<std::vector<double>> cols = {{0, 1, 2, 3, 4, 5}, {1, 3, 5, 7, 9, 11}};
     for (auto method : {BC::Siow, BC::Zellner, BC::Hyper}) {
         BSNSettings s = regression(1, {0});

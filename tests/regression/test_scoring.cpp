@@ -1,6 +1,5 @@
-// Scoring new records with a fitted regression or ANOVA model, against R's
-// lm fitted values and prediction intervals (tests/data/scoring_reference.R)
-// and the posterior predictive of tests/data/regr_reference.R.
+// Scoring records with a fitted regression or ANOVA model, against R's lm fitted values and prediction
+// intervals (tests/data/scoring_reference.R) and the posterior predictive of tests/data/regr_reference.R.
 #include "tests/regression/scoringtestsupport.h"
 
 using namespace scoringtest;
@@ -67,7 +66,6 @@ TEST(Scoring, PosteriorPartsFollowThePosteriorAndTheSetting) {
     const std::vector<double> x0 = {kMiss, 1.5, 9, 1, kMiss, kMiss, kMiss};
     BSNSettings conj = modelSettings('A');
     setConjugatePrior(conj);
-    // key: the reference numbers of the prediction.
     const struct { const char* name; BSNSettings settings; const char* key; } cases[] = {
         {"conjugate", conj, "conj_pred"}, {"reference", modelSettings('A'), "ref_pred"}};
     for (const auto& c : cases) {
