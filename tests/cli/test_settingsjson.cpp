@@ -35,7 +35,7 @@ std::string errorOf(const std::string& text) {
 
 } // namespace
 
-TEST(SettingsJson, EnumerationsByNumberOrWordNullsAndColumnPositions) {
+TEST(SettingsJson, EnumerationsNullsAndColumnPositionsReadAndWrittenBack) {
     const BSNSettings s = parse(R"({"ModelType": "related", "TestDistType": "jeffreys-2", "AnalysType": 2,
         "PriorDistType": "Inverse Chi-Square", "MeanDistType": "DIFFUSE", "LogLinPriorType": "Dirichlet",
         "FixType": "fixed row", "RegrCompType": "Gonen", "EstBFType": "Simple", "MethodType": "MCA"})");
@@ -45,7 +45,7 @@ TEST(SettingsJson, EnumerationsByNumberOrWordNullsAndColumnPositions) {
     EXPECT_EQ(got, (std::vector<int>{C::Related, C::Jeffreys2, C::Both, C::InverseChiSquare, C::Diffuse,
                                      C::LogLinDirichlet, C::FixedRow, C::Gonen, C::Simple, C::MCA}));
     // Null is the missing value; variables are column positions.
-    const BSNSettings n = parse(R"({"PriorParam1": null, "PriorParam2": 4.5, "CILevel": null,
+    const BSNSettings n = parse(R"({"PriorParam1": null, "PriorParam2": 4.5, "CILevel": null, "PriorDistType": "Jeffreys 4",
         "NullPrior1s": [1, null, 3], "FrequencyWeightVar": null, "GroupVar": "g", "DependentVar": "w",
         "RegrWeightVar": "y", "FTests": [{"UseIntercept": true, "Predictors": ["b", "a"],
         "TestValues": [0.5, null], "Label": "b and a"}]})");
@@ -61,6 +61,20 @@ TEST(SettingsJson, EnumerationsByNumberOrWordNullsAndColumnPositions) {
     EXPECT_EQ(t.GetPredictors(), (std::vector<int>{2, 1}));
     EXPECT_EQ(t.GetTestValues(), (std::vector<double>{0.5, M}));
     EXPECT_EQ(t.GetLabel(), "b and a");
+
+    // Written back: ModelType first, enumerations by number, variables by name, missing as null.
+    const auto out = SettingsToJson(n, kColumns);
+    EXPECT_EQ(out.begin().key(), "ModelType");
+    const auto expected = nlohmann::ordered_json::parse(R"({"PriorDistType": 8, "FrequencyWeightVar": null,
+        "GroupVar": "g", "RegrWeightVar": "y", "NullPrior1s": [1, null, 3], "PriorParam1": null})");
+    for (const auto& [key, value] : expected.items()) EXPECT_EQ(out.at(key), value) << key;
+    for (const char* hostOnly : {"ProgressListener", "CancelPointer", "ThreadFactory", "WarningMessages"})
+        EXPECT_FALSE(out.contains(hostOnly)) << hostOnly;
+    // What is written reads back into the same record; so does a default record, every key of it.
+    EXPECT_EQ(SettingsToJson(SettingsFromJson(json::parse(out.dump()), kColumns), kColumns), out);
+    const auto defaults = SettingsToJson(BSNSettings(), kColumns);
+    EXPECT_EQ(defaults.size(), 76u);
+    EXPECT_EQ(SettingsToJson(SettingsFromJson(json::parse(defaults.dump()), kColumns), kColumns), defaults);
 }
 
 TEST(SettingsJson, ModelTypeComesFirstAndDependentKeysFollowTheirLists) {
@@ -162,29 +176,6 @@ TEST(SettingsJson, EveryScalarKeyReachesItsOwnField) {
     EXPECT_EQ(got, (std::vector<std::vector<int>>{{1}, {2}, {3}, {4}, {0}, {1, 2}, {4}}));
     EXPECT_TRUE(vs.GetEqualDataVar());
     EXPECT_TRUE(vs.IsComputeVarianceInScoring());
-}
-
-TEST(SettingsJson, WrittenSettingsUseTheFileKeysAndReadBackUnchanged) {
-    const json in = json::parse(R"({"ModelType": "Related", "Covariates": ["a", "b"], "2ndRelatedList": ["g", "y"],
-        "FrequencyWeightVar": "w", "AnalysType": "Both", "NullValues": [0, null], "PriorDistType": "Jeffreys 4",
-        "FTests": [{"UseIntercept": false, "Predictors": ["a"], "TestValues": [1], "Label": "t"}]})");
-    const BSNSettings s = SettingsFromJson(in, kColumns);
-    const auto out = SettingsToJson(s, kColumns);
-    // Variables by column name, enumerations by number, missing as null.
-    EXPECT_EQ(out.begin().key(), "ModelType");
-    const auto expected = nlohmann::ordered_json::parse(R"({"ModelType": 1, "2ndRelatedList": ["g", "y"],
-        "FrequencyWeightVar": "w", "GroupVar": null, "NullValues": [0, null], "PriorDistType": 8})");
-    for (const auto& [key, value] : expected.items()) EXPECT_EQ(out.at(key), value) << key;
-    for (const char* hostOnly : {"ProgressListener", "CancelPointer", "ThreadFactory", "WarningMessages"})
-        EXPECT_FALSE(out.contains(hostOnly)) << hostOnly;
-
-    // What is written reads back into the same record.
-    const auto again = SettingsToJson(SettingsFromJson(json::parse(out.dump()), kColumns), kColumns);
-    EXPECT_EQ(again, out);
-    // And a default record's every key is accepted by the reader.
-    const auto defaults = SettingsToJson(BSNSettings(), kColumns);
-    EXPECT_EQ(defaults.size(), 76u);
-    EXPECT_EQ(SettingsToJson(SettingsFromJson(json::parse(defaults.dump()), kColumns), kColumns), defaults);
 }
 
 TEST(SettingsJson, ColumnsReadAndColumnsCoded) {
