@@ -59,6 +59,7 @@ TEST(PmmlExport, DocumentsReadBackPredictWhatScorePredicts) {
     const auto fresh = readColumns("scoring_new.csv");
     const auto vars = namedVars();
     for (const auto& c : cases) {
+        SCOPED_TRACE(c.name);
         RegrRun run(c.settings, training, vars);
         ASSERT_TRUE(run.status.IsOK()) << c.name;
         const auto& r = run.result();
