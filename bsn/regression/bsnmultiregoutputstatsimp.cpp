@@ -30,6 +30,18 @@ std::string parameterLabel(const MCMath_850::MCFastDesignMatrix& design, const M
     return "#" + std::to_string(param);
 }
 
+// One set of curves into the six vectors the result keeps, with no NaN or infinity.
+void takeCurves(const BSNRegrCurves& c, std::vector<double>& likelihoodArgs, std::vector<double>& likelihood,
+                std::vector<double>& priorArgs, std::vector<double>& prior, std::vector<double>& posteriorArgs,
+                std::vector<double>& posteriorValues) {
+    likelihoodArgs = MCMV::Sanitize(c.likelihoodArgs);
+    likelihood = MCMV::Sanitize(c.likelihood);
+    priorArgs = MCMV::Sanitize(c.priorArgs);
+    prior = MCMV::Sanitize(c.prior);
+    posteriorArgs = MCMV::Sanitize(c.posteriorArgs);
+    posteriorValues = MCMV::Sanitize(c.posterior);
+}
+
 } // namespace
 
 BSNMultiRegOutputStatsImp::BSNMultiRegOutputStatsImp(const BSNSettings& s, const BSNRegrFit& fit,
@@ -68,28 +80,13 @@ BSNMultiRegOutputStatsImp::BSNMultiRegOutputStatsImp(const BSNSettings& s, const
     sig = MCMV::Sanitize(posterior->GetSig());
 
     plotParameters = posterior->GetPlotParameters();
-    for (const auto& c : posterior->GetParamCurves()) {
-        argsLikelihoodParam.push_back(MCCommon_850::MCMV::Sanitize(c.likelihoodArgs));
-        likelihoodParam.push_back(MCCommon_850::MCMV::Sanitize(c.likelihood));
-        argsPriorParam.push_back(MCCommon_850::MCMV::Sanitize(c.priorArgs));
-        priorParam.push_back(MCCommon_850::MCMV::Sanitize(c.prior));
-        argsPosteriorParam.push_back(MCCommon_850::MCMV::Sanitize(c.posteriorArgs));
-        posteriorParam.push_back(MCCommon_850::MCMV::Sanitize(c.posterior));
-    }
-    const BSNRegrCurves& e = posterior->GetErrorVarCurves();
-    argsLikelihoodError = MCCommon_850::MCMV::Sanitize(e.likelihoodArgs);
-    likelihoodError = MCCommon_850::MCMV::Sanitize(e.likelihood);
-    argsPriorError = MCCommon_850::MCMV::Sanitize(e.priorArgs);
-    priorError = MCCommon_850::MCMV::Sanitize(e.prior);
-    argsPosteriorError = MCCommon_850::MCMV::Sanitize(e.posteriorArgs);
-    posteriorError = MCCommon_850::MCMV::Sanitize(e.posterior);
-    const BSNRegrCurves& p = posterior->GetPredictedCurves();
-    argsLikelihoodPred = MCCommon_850::MCMV::Sanitize(p.likelihoodArgs);
-    likelihoodPred = MCCommon_850::MCMV::Sanitize(p.likelihood);
-    argsPriorPred = MCCommon_850::MCMV::Sanitize(p.priorArgs);
-    priorPred = MCCommon_850::MCMV::Sanitize(p.prior);
-    argsPosteriorPred = MCCommon_850::MCMV::Sanitize(p.posteriorArgs);
-    posteriorPred = MCCommon_850::MCMV::Sanitize(p.posterior);
+    for (const auto& c : posterior->GetParamCurves())
+        takeCurves(c, argsLikelihoodParam.emplace_back(), likelihoodParam.emplace_back(), argsPriorParam.emplace_back(),
+                   priorParam.emplace_back(), argsPosteriorParam.emplace_back(), posteriorParam.emplace_back());
+    takeCurves(posterior->GetErrorVarCurves(), argsLikelihoodError, likelihoodError, argsPriorError, priorError,
+               argsPosteriorError, posteriorError);
+    takeCurves(posterior->GetPredictedCurves(), argsLikelihoodPred, likelihoodPred, argsPriorPred, priorPred,
+               argsPosteriorPred, posteriorPred);
 
     scoringCoefficients = MCCommon_850::MCMV::Sanitize(posterior->GetPosteriorCoefficients());
     covFactor = posterior->GetCovarianceFactor();
